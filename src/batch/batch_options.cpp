@@ -1,0 +1,39 @@
+#include "batch/batch_options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+std::optional<batch_options> parse_batch_options(int argc, const char* const* argv, int& exit_status) {
+  batch_options options;
+  bool no_block_fetch = false;
+  std::string statements;
+  CLI::App app(
+      "Executes the SQL statements of a script, each ended by ';', and prints the figures of each.\n"
+      "The password comes from the environment variable SORVANE_PWD, or is asked for without echo.",
+      "sorvane-batch");
+  app.add_option("--dsn", options.data_source, "ODBC data source")->required();
+  app.add_option("--uid", options.user, "user");
+  app.add_flag("--udb", options.udb, "the database is DB2 Universal, not DB2 on an AS/400");
+  auto* rowset =
+      app.add_option("--rowset", options.rowset, "rows per block fetch, 1 to 1000 (500)")->check(CLI::Range(1, 1000));
+  app.add_flag("--no-block-fetch", no_block_fetch, "fetch rows one by one")->excludes(rowset);
+  app.add_flag("--autocommit", options.autocommit,
+               "commit each statement; without it, all is rolled back at the end unless a COMMIT ran");
+  app.add_option("--isolation", options.isolation,
+                 "0 cursor stability, 2 read uncommitted (the default), 3 read repeatability")
+      ->check(CLI::IsMember({0, 2, 3}));
+  app.add_flag("--all-rows", options.all_rows, "fetch each result to its end, not its first block only");
+  app.add_flag("--json", options.json, "print one JSON object per statement");
+  auto* file = app.add_option("FILE.sql", options.file, "the script");
+  auto* text = app.add_option("-e", statements, "statements given on the command line")->excludes(file);
+  try {
+    app.parse(argc, argv);
+    if (file->empty() && text->empty()) throw CLI::RequiredError("FILE.sql or -e");
+  } catch (const CLI::ParseError& error) {
+    exit_status = app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;
+    return std::nullopt;
+  }
+  options.ext_fetch = !no_block_fetch;
+  if (!text->empty()) options.statements = statements;
+  return options;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+// What the console program was asked to do.
+struct batch_options {
+  std::string data_source;
+  std::string user;
+  bool udb = false;
+  bool ext_fetch = true;
+  std::int32_t rowset = 500;
+  bool autocommit = false;
+  std::int32_t isolation = 2;
+  bool all_rows = false;
+  bool json = false;
+  std::string file;                       // the script, unless statements are given
+  std::optional<std::string> statements;  // the text given with -e
+};
+
+// The options of a command line; nothing when the program is to end with `exit_status` (2 after a usage message on
+// standard error, 0 after help).
+std::optional<batch_options> parse_batch_options(int argc, const char* const* argv, int& exit_status);

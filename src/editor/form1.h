@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+#include <memory>
+#include <optional>
+
+#include "editor/statement_pipeline.h"
+#include "platform/mdi_host.h"
+
+namespace Ui {
+class form1;
+}
+
+// An editor document: a text, a statement object of its own on the session's connection, and the panels of its runs. It
+// shows and forwards; the pipeline does the work.
+class form1 : public QMainWindow, public mdi_document, private pipeline_host, private pipeline_status {
+  Q_OBJECT
+
+ public:
+  // A document of the frame `host`, not shown yet.
+  explicit form1(mdi_host& host);
+  ~form1() override;
+
+  // Opens a new document in the frame, with a caption, a file name ("" for none) and a text.
+  static form1* open_new(mdi_host& host, const QString& caption, const QString& file_name = {},
+                         const QString& file_to_load = {});
+
+  [[nodiscard]] QList<QAction*> menu_bar_actions() const override;
+  [[nodiscard]] const QString& file_name() const { return MyFilename; }
+  [[nodiscard]] const std::shared_ptr<odbcstmt>& statement() const { return doc_stmt; }
+  [[nodiscard]] bool running() const { return running_; }
+
+  // Replaces the text by a file's; false, with the text as it was and the reason in `why`, when it cannot be read.
+  bool load_file(const QString& path, std::string& why);
+
+  void load_Click();
+
+ signals:
+  // A run has begun or ended.
+  void running_changed(bool running);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void Form_Load();
+  void Form_Unload();
+  void mnuMDINew_Click();
+  void save_Click();
+  void mnuSaveAs_Click();
+  void exe_current_Click();
+  void exe_all_Click();
+  void m_commit_Click();
+  void m_Rollback_Click();
+
+  void save_as(const QString& name);
+  void set_running(bool running);
+  // Runs one statement's bytes; false when the document was closed meanwhile.
+  bool run_bytes(const std::string& bytes);
+
+  bool enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool is_call) override;
+  void show_returned_parameters(const std::shared_ptr<odbcstmt>& statement) override;
+  void set_panel(panel which, const std::string& text) override;
+  void refresh() override;
+
+  std::unique_ptr<Ui::form1> ui_;
+  mdi_host& host_;
+  QString MyFilename;
+  std::shared_ptr<odbcstmt> doc_stmt;
+  std::shared_ptr<statement_pipeline> pipeline_;
+  bool running_ = false;
+};
+
+// Reads a file into a new document of the frame. A file that cannot be read is told, and no document is made.
+form1* open_document(mdi_host& host, const QString& path);

@@ -1,0 +1,50 @@
+#include "odbc/struct_cells.h"
+
+#include "base/text.h"
+
+namespace {
+
+int word(const unsigned char* bytes, std::size_t index) { return cfgetw(bytes + 2 * index); }
+
+void put_word(unsigned char* bytes, std::size_t index, int number) {
+  cfputw(bytes + 2 * index, static_cast<std::int16_t>(number));
+}
+
+}  // namespace
+
+std::string cell_text(const unsigned char* bytes, std::size_t width, SQLLEN length) {
+  if (length < 1 || width < 2) return {};
+  const std::size_t room = width - 1;
+  const auto reported = static_cast<std::size_t>(length);
+  const code_page& page = current_code_page();
+  std::string_view text(reinterpret_cast<const char*>(bytes), std::min(reported, room));
+  if (reported > room && page.is_utf8()) text = without_cut_character(text);
+  return page.to_utf8(text);
+}
+
+value moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_value impossible) {
+  if (ctype == SQL_C_TIME) {
+    const auto time = make_time(word(bytes, 0), word(bytes, 1), word(bytes, 2));
+    return time ? value(*time) : value(impossible);
+  }
+  const auto date = make_date(word(bytes, 0), word(bytes, 1), word(bytes, 2));
+  if (!date || ctype == SQL_C_DATE) return date ? value(*date) : value(impossible);
+  const auto time = make_time(word(bytes, 3), word(bytes, 4), word(bytes, 5));
+  return time ? value(*date + *time) : value(impossible);
+}
+
+void put_date_cell(unsigned char* bytes, date_time moment) {
+  const date_fields at = fields_of(moment);
+  put_word(bytes, 0, at.year);
+  put_word(bytes, 1, at.month);
+  put_word(bytes, 2, at.day);
+}
+
+void put_timestamp_cell(unsigned char* bytes, date_time moment) {
+  const date_fields at = fields_of(moment);
+  put_date_cell(bytes, moment);
+  put_word(bytes, 3, at.hour);
+  put_word(bytes, 4, at.minute);
+  put_word(bytes, 5, at.second);
+  cfputd(bytes + 12, 0);
+}

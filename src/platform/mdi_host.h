@@ -1,0 +1,27 @@
+#pragma once
+
+class QAction;
+class QMdiSubWindow;
+class QMenu;
+class QWidget;
+template <typename T>
+class QList;
+
+// What windows of the features ask of the frame that holds them.
+class mdi_host {
+ public:
+  virtual ~mdi_host() = default;
+  // Opens a window as a child of the frame and shows it. The frame deletes it when it is closed.
+  virtual QMdiSubWindow* show_child(QWidget* window) = 0;
+  // Fills a menu with the open documents; choosing one activates it.
+  virtual void fill_window_list(QMenu& menu) = 0;
+  virtual void show_help() = 0;
+  virtual void show_about() = 0;
+};
+
+// A child of the frame with menus of its own, which stand in the frame's menu bar while it is active.
+class mdi_document {
+ public:
+  virtual ~mdi_document() = default;
+  [[nodiscard]] virtual QList<QAction*> menu_bar_actions() const = 0;
+};

@@ -1,0 +1,10 @@
+#include "platform/program_resources.h"
+
+#include <QGuiApplication>
+#include <QIcon>
+#include <QTimer>
+
+void use_program_resources() {
+  Q_INIT_RESOURCE(resources);  // a static library's resources are linked only when asked for
+  QTimer::singleShot(0, qGuiApp, [] { QGuiApplication::setWindowIcon(QIcon(":/icons/sorvane.png")); });
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QTimer>
+#include <memory>
+#include <string>
+
+#include "platform/mdi_host.h"
+
+namespace Ui {
+class MainMdi;
+}
+
+// The frame: holds the documents, shows its own menus while no document is active, and ends the program when it is
+// closed.
+class MainMdi : public QMainWindow, public mdi_host {
+  Q_OBJECT
+
+ public:
+  // `command_line` is the text of the program's arguments.
+  explicit MainMdi(std::string command_line);
+  ~MainMdi() override;
+
+  // Opens the documents that the command line names.
+  void MDIForm_Load();
+
+  QMdiSubWindow* show_child(QWidget* window) override;
+  void fill_window_list(QMenu& menu) override;
+  void show_help() override;
+  void show_about() override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void MDIForm_Resize();
+  void MDIForm_Unload();
+  void mnuMdiNew_Click();
+  void mnuMdiOpen_Click();
+  void mnuTest_Click();
+  [[nodiscard]] QPoint next_child_position(const QMdiSubWindow& child) const;
+  void show_menus_of_active_window();
+  void show_date_and_time();
+
+  std::unique_ptr<Ui::MainMdi> ui_;
+  std::string command_line_;
+  QList<QAction*> own_menus_;
+  QTimer clock_;
+  bool unloaded_ = false;
+};

@@ -1,0 +1,28 @@
+// main() for tests with windows: one application object, without a screen.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QStandardPaths>
+#include <clocale>
+
+#include "support/odbc_sandbox.h"
+
+namespace {
+
+class sandbox_environment final : public testing::Environment {
+  void SetUp() override { odbc_sandbox::instance(); }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QStandardPaths::setTestModeEnabled(true);
+  testing::InitGoogleTest(&argc, argv);
+  const QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  // Every machine has this locale; results must not depend on the user's.
+  std::setlocale(LC_ALL, "C.UTF-8");
+  testing::AddGlobalTestEnvironment(new sandbox_environment);
+  return RUN_ALL_TESTS();
+}
