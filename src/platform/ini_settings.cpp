@@ -13,7 +13,7 @@ QString full_key(std::string_view section, std::string_view key) {
 }  // namespace
 
 QString ini_settings::default_path() {
-  const QString chosen = qEnvironmentVariable("SORVANE_SETTINGS");
+  QString chosen = qEnvironmentVariable("SORVANE_SETTINGS");
   if (!chosen.isEmpty()) return chosen;
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + "/Sorvane/Sorvane.ini";
 }

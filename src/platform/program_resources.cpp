@@ -2,9 +2,10 @@
 
 #include <QGuiApplication>
 #include <QIcon>
-#include <QTimer>
+#include <QMetaObject>
 
 void use_program_resources() {
   Q_INIT_RESOURCE(resources);  // a static library's resources are linked only when asked for
-  QTimer::singleShot(0, qGuiApp, [] { QGuiApplication::setWindowIcon(QIcon(":/icons/sorvane.png")); });
+  QMetaObject::invokeMethod(
+      qGuiApp, [] { QGuiApplication::setWindowIcon(QIcon(":/icons/sorvane.png")); }, Qt::QueuedConnection);
 }

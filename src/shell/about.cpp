@@ -11,7 +11,7 @@ constexpr std::uint16_t driver_manager_version = 171;  // SQL_DM_VER
 
 QString info(odbccon& connection, std::uint16_t type) {
   try {
-    const QString text = QString::fromStdString(connection.GetInfoChar_XX(type)).trimmed();
+    QString text = QString::fromStdString(connection.GetInfoChar_XX(type)).trimmed();
     if (!text.isEmpty()) return text;
   } catch (const layer_error&) {
     // Not connected, or a driver that does not say.

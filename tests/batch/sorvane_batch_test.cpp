@@ -17,7 +17,7 @@ constexpr const char* not_executed = "sorvane-batch: the text after the last ';'
 constexpr const char* rolled_back =
     "sorvane-batch: autocommit is off: changes that no COMMIT ended are rolled back now\n";
 
-program_run batch(words arguments) { return run_program(SORVANE_BATCH_PATH, arguments); }
+program_run batch(const words& arguments) { return run_program(SORVANE_BATCH_PATH, arguments); }
 
 std::vector<std::string> lines_of(const std::string& text) {
   std::vector<std::string> lines;

@@ -213,7 +213,7 @@ TEST_P(engines, keep_and_undo_work_as_another_connection_sees_it) {
   connect_to(other, GetParam());
   ASSERT_TRUE(there.Make(other));
   const auto seen = [&] {
-    const std::string count = one(there, "select count(*) from " + table);
+    std::string count = one(there, "select count(*) from " + table);
     there.Cancel();
     return count;
   };
