@@ -189,7 +189,7 @@ TEST_F(statement, sends_every_byte_of_a_long_text) {
 TEST_F(statement, sets_the_rowset_of_the_handle_back) {
   answer("q", {integer("I")});
   const auto options = [&] {
-    const texts lines = logged({"SQLSetStmtOption"});
+    texts lines = logged({"SQLSetStmtOption"});
     driver.clear_log();
     return lines;
   };

@@ -67,7 +67,7 @@ void driver_state::catalog_answer(std::string function, answer what) {
 
 std::shared_ptr<const answer> driver_state::script_of(const std::string& statement_text) const {
   const auto found = answers.find(statement_text);
-  const auto script = found == answers.end() ? fallback : found->second;
+  auto script = found == answers.end() ? fallback : found->second;
   if (!script) throw call_stopped("42000", fmt::format("no answer for the statement: {}", statement_text), -104);
   return script;
 }

@@ -132,6 +132,8 @@ inline constexpr unsigned always = 0xFFFFFFFFU;  // a number of times that doesn
 
 class driver {
  public:
+  virtual ~driver() = default;
+
   // Forgets answers, faults, log, executions, transactions, infos, lies and logins. Handles stay open.
   virtual void reset() = 0;
 
@@ -184,9 +186,6 @@ class driver {
 
   // SQLExtendedFetch reports this many rows whenever it delivers any; nothing: the truth.
   virtual void lie_about_rows_fetched(std::optional<SQLULEN> rows) = 0;
-
- protected:
-  ~driver() = default;
 };
 
 #ifdef SCRIPTED_DRIVER_PATH

@@ -8,7 +8,7 @@ say() {
   printf '%s\n' "$*" >&2
 }
 
-# die TEXT...: say why and leave with status 2, which no build and no test run returns.
+# die TEXT...: say why and leave with status 2.
 die() {
   printf '%s: %s\n' "${0##*/}" "$*" >&2
   exit 2
