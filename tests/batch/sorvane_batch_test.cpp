@@ -42,7 +42,7 @@ class sorvane_batch : public testing::Test {
  protected:
   static program_run on_sqlite(words arguments) {
     arguments.insert(arguments.begin(), {"--dsn", "sqlite"});
-    return batch(std::move(arguments));
+    return batch(arguments);
   }
   // Rows that a query gives, or -1.
   static std::int64_t rows(const std::string& query, words options = {}) {

@@ -50,7 +50,8 @@ bound_parameter read_one(SQLUSMALLINT number, const parameter_binding& bound, SQ
 
 // ODBC ignores the buffer length of a parameter whose C type has a size of its own: a Null may be bound with a byte,
 // and what is written back comes whole all the same.
-binding of_own_size(binding bound, SQLSMALLINT c_type) {
+binding of_own_size(const binding& described, SQLSMALLINT c_type) {
+  binding bound = described;
   if (fixed_size(c_type) > 0 && bound.buffer_length > 0) bound.buffer_length = 0;
   return bound;
 }
