@@ -74,8 +74,10 @@ batch_tally run_statements(const std::string& script, const std::vector<statemen
     return tally;
   }
   statement_pipeline pipeline(statement, host, host);
-  const run_options run{session::ext_fetch, session::ext_fetch_rows, session::speed_test_rows,
-                        options.all_rows ? fetch_extent::all_rows : fetch_extent::first_block_or_row};
+  const run_options run{.ext_fetch = session::ext_fetch,
+                        .ext_fetch_rows = session::ext_fetch_rows,
+                        .speed_test_rows = session::speed_test_rows,
+                        .extent = options.all_rows ? fetch_extent::all_rows : fetch_extent::first_block_or_row};
   int number = 0;
   for (const statement_span& span : spans) {
     const std::string text = script.substr(span.start, span.length);

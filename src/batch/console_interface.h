@@ -18,6 +18,8 @@ class console_host final : public pipeline_host, public pipeline_status {
  public:
   bool enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool is_call) override;
   void show_returned_parameters(const std::shared_ptr<odbcstmt>&) override {}
+  [[nodiscard]] bool data_window_wanted() const override { return false; }
+  void open_data_window(const std::string&, const std::shared_ptr<odbcstmt>&, std::int64_t) override {}
   void set_panel(panel, const std::string&) override {}
   void refresh() override {}
 };

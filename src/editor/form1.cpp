@@ -40,6 +40,16 @@ constexpr panel_text panel_texts[panel_count] = {
 
 QString caption_of(const QString& path) { return "Mirelta Editor: " + path; }
 
+void run_command(statement_pipeline& pipeline, const std::string& text, const run_options& options) {
+  pipeline.run_stmt(text, options);
+}
+void check_command(statement_pipeline& pipeline, const std::string& text, const run_options&) {
+  pipeline.prep_stmt(text);
+}
+void speed_command(statement_pipeline& pipeline, const std::string& text, const run_options& options) {
+  pipeline.speed_stmt(text, options);
+}
+
 void tell_bad_file(const QString& path, const std::string& why) {
   show_message({"Bad File Name!\rI can not open this document: " + path.toStdString(), "User Error",
                 message_icon::question, message_buttons::ok, why});
@@ -66,6 +76,9 @@ form1::form1(mdi_host& host)
           [this] { parentWidget() != nullptr ? parentWidget()->close() : close(); });
   connect(ui_->exe_current, &QAction::triggered, this, &form1::exe_current_Click);
   connect(ui_->exe_all, &QAction::triggered, this, &form1::exe_all_Click);
+  connect(ui_->check_cur_stmt_syntax, &QAction::triggered, this, &form1::check_cur_stmt_syntax_Click);
+  connect(ui_->check_all_stmt_syntax, &QAction::triggered, this, &form1::check_all_stmt_syntax_Click);
+  connect(ui_->mnu_speed_test, &QAction::triggered, this, &form1::mnu_speed_test_Click);
   connect(ui_->m_commit, &QAction::triggered, this, &form1::m_commit_Click);
   connect(ui_->m_Rollback, &QAction::triggered, this, &form1::m_Rollback_Click);
   connect(ui_->mnuHelpContents, &QAction::triggered, this, [this] { host_.show_help(); });
@@ -169,32 +182,36 @@ void form1::save_as(const QString& name) {
 
 void form1::set_running(bool running) {
   running_ = running;
-  ui_->exe_current->setEnabled(!running);
-  ui_->exe_all->setEnabled(!running);
+  for (QAction* each :
+       {ui_->exe_current, ui_->exe_all, ui_->check_cur_stmt_syntax, ui_->check_all_stmt_syntax, ui_->mnu_speed_test}) {
+    each->setEnabled(!running);
+  }
   emit running_changed(running);
 }
 
-bool form1::run_bytes(const std::string& bytes) {
+bool form1::run_bytes(const std::string& bytes, pipeline_command command) {
   // The run outlives the document when the document is closed while it waits.
   const std::shared_ptr<statement_pipeline> run = pipeline_;
-  const run_options options{session::ext_fetch, session::ext_fetch_rows, session::speed_test_rows,
-                            fetch_extent::first_block};
-  run->run_stmt(document_to_utf8(bytes, ui_->Text1->encoding()), options);
+  const run_options options{.ext_fetch = session::ext_fetch,
+                            .ext_fetch_rows = session::ext_fetch_rows,
+                            .speed_test_rows = session::speed_test_rows,
+                            .dw_rows = session::dw_rows};
+  command(*run, document_to_utf8(bytes, ui_->Text1->encoding()), options);
   return !run->detached();
 }
 
-void form1::exe_current_Click() {
+void form1::run_current(std::string_view no_statement, const char* title, pipeline_command command) {
   if (running_) return;
   const auto statement = get_sql_str(ui_->Text1->bytes(), ui_->Text1->caret());
   if (!statement) {
-    show_user_error(std::string(no_statement_to_execute));
+    show_user_error(std::string(no_statement), title);
     return;
   }
   set_running(true);
-  if (run_bytes(std::string(*statement))) set_running(false);
+  if (run_bytes(std::string(*statement), command)) set_running(false);
 }
 
-void form1::exe_all_Click() {
+void form1::run_all(bool highlighted, pipeline_command command) {
   if (running_) return;
   const QPointer<form1> here(this);
   const std::shared_ptr<statement_pipeline> run = pipeline_;
@@ -202,18 +219,26 @@ void form1::exe_all_Click() {
   set_running(true);
   ui_->Text1->set_caret(1);
   for (const statement_span& span : statement_spans(ui_->Text1->bytes())) {
-    ui_->Text1->select_bytes(span.start, span.length);
-    ui_->Text1->repaint();
-    ui_->Text1->setFocus();
-    QCoreApplication::processEvents();
-    if (gone()) return;
+    if (highlighted) {
+      ui_->Text1->select_bytes(span.start, span.length);
+      ui_->Text1->repaint();
+      ui_->Text1->setFocus();
+      QCoreApplication::processEvents();
+      if (gone()) return;
+    }
     const std::string_view now = ui_->Text1->bytes();
     // The text may have become shorter while events were processed.
     if (span.start > now.size()) break;
-    if (!run_bytes(std::string(now.substr(span.start, span.length))) || gone()) return;
+    if (!run_bytes(std::string(now.substr(span.start, span.length)), command) || gone()) return;
   }
   set_running(false);
 }
+
+void form1::exe_current_Click() { run_current(no_statement_to_execute, "User Error", run_command); }
+void form1::exe_all_Click() { run_all(true, run_command); }
+void form1::check_cur_stmt_syntax_Click() { run_current(no_statement_to_check, "User Error!", check_command); }
+void form1::check_all_stmt_syntax_Click() { run_all(false, check_command); }
+void form1::mnu_speed_test_Click() { run_current(no_statement_to_speed_test, "User Error!", speed_command); }
 
 void form1::m_commit_Click() { session::g_con.Commit(); }
 void form1::m_Rollback_Click() { session::g_con.Rollback(); }
@@ -230,6 +255,9 @@ bool form1::enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool) {
 }
 
 void form1::show_returned_parameters(const std::shared_ptr<odbcstmt>&) {}
+
+bool form1::data_window_wanted() const { return false; }
+void form1::open_data_window(const std::string&, const std::shared_ptr<odbcstmt>&, std::int64_t) {}
 
 void form1::set_panel(panel which, const std::string& text) {
   ui_->mSB->set_text(static_cast<int>(which), QString::fromStdString(text));

@@ -51,16 +51,28 @@ class form1 : public QMainWindow, public mdi_document, private pipeline_host, pr
   void mnuSaveAs_Click();
   void exe_current_Click();
   void exe_all_Click();
+  void check_cur_stmt_syntax_Click();
+  void check_all_stmt_syntax_Click();
+  void mnu_speed_test_Click();
   void m_commit_Click();
   void m_Rollback_Click();
 
   void save_as(const QString& name);
   void set_running(bool running);
-  // Runs one statement's bytes; false when the document was closed meanwhile.
-  bool run_bytes(const std::string& bytes);
+  // What is done with a statement: a run, a check or a speed test.
+  using pipeline_command = void (*)(statement_pipeline& pipeline, const std::string& text, const run_options& options);
+  // Does it with one statement's bytes; false when the document was closed meanwhile.
+  bool run_bytes(const std::string& bytes, pipeline_command command);
+  // With the statement under the caret; tells when there is none.
+  void run_current(std::string_view no_statement, const char* title, pipeline_command command);
+  // With every statement in turn, selecting each on the way where the user is to see it.
+  void run_all(bool highlighted, pipeline_command command);
 
   bool enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool is_call) override;
   void show_returned_parameters(const std::shared_ptr<odbcstmt>& statement) override;
+  [[nodiscard]] bool data_window_wanted() const override;
+  void open_data_window(const std::string& text, const std::shared_ptr<odbcstmt>& statement,
+                        std::int64_t rows) override;
   void set_panel(panel which, const std::string& text) override;
   void refresh() override;
 

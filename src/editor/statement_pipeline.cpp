@@ -8,12 +8,11 @@
 #include "base/number_format.h"
 #include "base/text.h"
 #include "base/user_interface.h"
+#include "editor/panel_formats.h"
 #include "editor/statement_text.h"
 
 namespace {
 
-constexpr std::string_view seconds_pattern = "##.#######";
-constexpr std::string_view rate_pattern = "##,###.###";
 constexpr std::string_view zero_time = "0.00000";
 constexpr std::string_view host_command_word = "EXE400";
 
@@ -115,7 +114,7 @@ run_result statement_pipeline::run_stmt(std::string_view text, const run_options
   result.kind = classify(text);
   if (detached() || !prepare(text, options, result) || !enter_parameters(result)) return result;
   if (!execute(options, result) || detached()) return result;
-  if (statement_->NCols() >= 1) fetch_things(options, result);
+  if (statement_->NCols() >= 1) fetch_things(text, options, result);
   return result;
 }
 
@@ -137,13 +136,17 @@ bool statement_pipeline::prepare(std::string_view text, const run_options& optio
       ok = statement_->Prep(text);
       break;
   }
-  result.prepare_s = now() - start;
+  return show_prepared(ok, now() - start, result);
+}
+
+bool statement_pipeline::show_prepared(bool ok, double seconds, run_result& result) {
+  result.prepare_s = seconds;
   if (!ok) {
     fail(result);
     return false;
   }
   set(panel::phase, "Executing");
-  set(panel::prepare, format_number(result.prepare_s, seconds_pattern));
+  set(panel::prepare, format_number(seconds, seconds_pattern));
   refresh();
   return true;
 }
@@ -171,49 +174,59 @@ bool statement_pipeline::enter_parameters(run_result& result) {
 bool statement_pipeline::execute(const run_options& options, run_result& result) {
   const bool is_call = result.kind == statement_class::call;
   const double start = now();
-  if (!statement_->Execute()) {
-    result.execute_s = now() - start;
-    fail(result);
-    return false;
-  }
-  const bool described = !is_call || statement_->ProcSRS();
-  result.execute_s = now() - start;
-  result.outcome = run_outcome::ok;
-  const std::string execute_text = format_number(result.execute_s, seconds_pattern);
-  set(panel::execute, execute_text);
-  set(panel::phase, fmt::format("Fetching {} target rows", options.speed_test_rows));
-  refresh();
+  const bool ok = statement_->Execute();
+  const bool described = ok && (!is_call || statement_->ProcSRS());
+  if (!show_executed(ok, now() - start, options, result)) return false;
   if (!described) fail(result);
   if (detached()) return false;
   if (is_call && statement_->Nparms() >= 1) host_->show_returned_parameters(statement_);
-  if (!detached() && statement_->NCols() < 1) finish_without_rows(execute_text, result);
+  if (!detached() && statement_->NCols() < 1) finish_without_rows(result);
   return true;
 }
 
-void statement_pipeline::finish_without_rows(const std::string& execute_text, run_result& result) {
+bool statement_pipeline::show_executed(bool ok, double seconds, const run_options& options, run_result& result) {
+  result.execute_s = seconds;
+  if (!ok) {
+    fail(result);
+    return false;
+  }
+  result.outcome = run_outcome::ok;
+  set(panel::execute, format_number(seconds, seconds_pattern));
+  set(panel::phase, fmt::format("Fetching {} target rows", options.speed_test_rows));
+  refresh();
+  return true;
+}
+
+void statement_pipeline::finish_without_rows(run_result& result) {
   result.rows = statement_->RowCount();
   set(panel::rows, fmt::to_string(result.rows));
   set(panel::phase, "Status...");
   if (result.rows >= 1 && result.execute_s > 0) result.rows_per_s = static_cast<double>(result.rows) / result.execute_s;
   // The panel is computed from the panel: what is shown fits together.
-  if (const double shown = leading_number(execute_text); result.rows >= 1 && shown > 0) {
+  if (const double shown = leading_number(format_number(result.execute_s, seconds_pattern));
+      result.rows >= 1 && shown > 0) {
     set(panel::rows_per_second, format_number(static_cast<double>(result.rows) / shown, rate_pattern));
   }
   refresh();
 }
 
-void statement_pipeline::fetch_things(const run_options& options, run_result& result) {
+void statement_pipeline::note_fetch_failure(run_result& result) {
+  // 100 is the end of the data; a rowset of one row is no block to fetch, and makes no call.
+  if (sql_ok(statement_->Result()) || statement_->Result() == SQL_NO_DATA_FOUND) return;
+  result.outcome = run_outcome::error;
+  result.diagnostic = statement_->ErrData();
+}
+
+void statement_pipeline::fetch_things(std::string_view text, const run_options& options, run_result& result) {
+  if (host_->data_window_wanted()) {
+    fetch_with_dw(text, options, result);
+    return;
+  }
   const double start = now();
   const bool fetched = fetch_extent_of(options, result.rows);
   result.fetch_s = now() - start;
   if (!fetched) {
-    // Without blocks the bench fetches nothing; otherwise 100 is the end of the data and anything else the driver's
-    // error.
-    const bool failed = !sql_ok(statement_->Result()) && statement_->Result() != SQL_NO_DATA_FOUND;
-    if (failed) {
-      result.outcome = run_outcome::error;
-      result.diagnostic = statement_->ErrData();
-    }
+    note_fetch_failure(result);
     if (result.rows == 0) return;
   }
   if (result.rows > 0 && result.fetch_s > 0) result.rows_per_s = static_cast<double>(result.rows) / result.fetch_s;
@@ -223,6 +236,39 @@ void statement_pipeline::fetch_things(const run_options& options, run_result& re
   if (result.rows_per_s > 0) set(panel::rows_per_second, format_number(result.rows_per_s, rate_pattern));
   set(panel::render, std::string(zero_time));
   refresh();
+}
+
+void statement_pipeline::fetch_with_dw(std::string_view text, const run_options& options, run_result& result) {
+  set(panel::phase, fmt::format("Fetch to Window: {} rows", options.dw_rows));
+  refresh();
+  const double start = now();
+  const bool fetched = fetch_some(options.ext_fetch, result.rows);
+  result.fetch_s = now() - start;
+  const std::string fetch_text = result.rows > 0 ? format_number(result.fetch_s, "##0.000000") : "0";
+  set(panel::rows, fmt::to_string(result.rows));
+  set(panel::phase, "Status...");
+  set(panel::fetch, fetch_text);
+  if (result.rows > 0 && result.fetch_s > 0) result.rows_per_s = static_cast<double>(result.rows) / result.fetch_s;
+  if (const double shown = leading_number(fetch_text); result.rows > 0 && shown > 0) {
+    set(panel::rows_per_second, format_number(static_cast<double>(result.rows) / shown, rate_pattern));
+  }
+  refresh();
+  // A window without a row is an empty result; a failure must not look like one.
+  if (!fetched) note_fetch_failure(result);
+  if (result.diagnostic) show_diagnostic(*result.diagnostic);
+  if (detached()) return;
+  const double shown_from = now();
+  host_->open_data_window(std::string(text), statement_, result.rows);
+  set(panel::render, format_number(now() - shown_from, "##,##0.000"));
+  refresh();
+}
+
+bool statement_pipeline::fetch_some(bool in_blocks, std::int64_t& rows) {
+  const busy_section busy;
+  std::int64_t got = 1;
+  if (!(in_blocks && statement_->RowSetSize() > 1 ? statement_->ExtFetchNext(got) : statement_->Fetch())) return false;
+  rows += got;
+  return got > 0;
 }
 
 // Fetches as far as asked; false when the last fetch delivered nothing.

@@ -29,6 +29,12 @@ class pipeline_host {
   virtual bool enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool is_call) = 0;
   // Shows the markers' values after a call; returns at once.
   virtual void show_returned_parameters(const std::shared_ptr<odbcstmt>& statement) = 0;
+  // Whether the rows of a query go to a data window.
+  [[nodiscard]] virtual bool data_window_wanted() const = 0;
+  // Opens a data window on the result; `rows` of it stand in the statement's rowset. Returns as soon as these are
+  // shown.
+  virtual void open_data_window(const std::string& text, const std::shared_ptr<odbcstmt>& statement,
+                                std::int64_t rows) = 0;
 };
 
 enum class statement_class { query, host_command, call, other };
@@ -44,7 +50,8 @@ enum class fetch_extent { first_block, first_block_or_row, all_rows };
 struct run_options {
   bool ext_fetch = true;
   std::int32_t ext_fetch_rows = 500;
-  std::int32_t speed_test_rows = 10000;  // only shown
+  std::int32_t speed_test_rows = 10000;  // the speed test's target; a plain run only shows it
+  std::int32_t dw_rows = 1000;           // only shown
   fetch_extent extent = fetch_extent::first_block;
 };
 
@@ -74,6 +81,13 @@ class statement_pipeline {
   // while it waits ends as cancelled; keep the pipeline itself alive until run_stmt returns.
   run_result run_stmt(std::string_view text, const run_options& options);
 
+  // Prepares the text and releases it, so that the database tells what it finds wrong; the panels stay as they are.
+  run_result prep_stmt(std::string_view text);
+  // Prepares, executes and fetches a SELECT until `options.speed_test_rows` rows or more have come, and shows the time
+  // of each phase. Markers are not asked for. What is no SELECT ends as an error without a diagnostic; a failing fetch
+  // ends the fetching, with the figures of the rows before it.
+  run_result speed_stmt(std::string_view text, const run_options& options);
+
   // The document is going: from now on nothing of host and status is touched.
   void detach();
   [[nodiscard]] bool detached() const { return host_ == nullptr; }
@@ -83,8 +97,16 @@ class statement_pipeline {
   bool prepare_call(std::string_view text, const run_options& options);
   bool enter_parameters(run_result& result);
   bool execute(const run_options& options, run_result& result);
-  void finish_without_rows(const std::string& execute_text, run_result& result);
-  void fetch_things(const run_options& options, run_result& result);
+  // What both a run and a speed test do after their prepare and their execute: keep and show the time, or the failure.
+  bool show_prepared(bool ok, double seconds, run_result& result);
+  bool show_executed(bool ok, double seconds, const run_options& options, run_result& result);
+  void finish_without_rows(run_result& result);
+  void fetch_things(std::string_view text, const run_options& options, run_result& result);
+  void fetch_with_dw(std::string_view text, const run_options& options, run_result& result);
+  bool speed_fetch(const run_options& options, run_result& result);
+  // One block, or one row where blocks are off or hold a single row; false when nothing came.
+  bool fetch_some(bool in_blocks, std::int64_t& rows);
+  void note_fetch_failure(run_result& result);
   bool fetch_extent_of(const run_options& options, std::int64_t& rows);
   void fail(run_result& result);
   void reset_status();

@@ -27,3 +27,9 @@ inline constexpr std::string_view no_statement_to_execute =
     "No statement! Ensure that you 1) have a statement, 2) the statement ends with a ';', 3) the cursor is positioned "
     "between the beginning "
     "of the statement and the ';'";
+inline constexpr std::string_view no_statement_to_check =
+    "No statement!  Ensure that 1) You have a ';' after each statement. 2) your cursor is positioned before the ending "
+    "';' of the statement you wish to execute.";
+inline constexpr std::string_view no_statement_to_speed_test =
+    "No statement! Ensure that 1) Each statement ends with a ';'. 2) The cursor is within a statement, (before the "
+    "';').";

@@ -115,6 +115,51 @@ TEST(form1_run, messages_instead_of_a_run) {
   EXPECT_NE(at.ui.take_texts().back().find("holds a zero byte"), std::string::npos);
 }
 
+TEST(form1_run, statements_are_checked_without_running) {
+  desktop at(scripted_engine());
+  form1* document = at.new_document();
+  scripted::control().answer_to("select a", numbers(1));
+  scripted::control().answer_to("select c", numbers(1));
+  put_text(document, "select a;selec b;select c;selec d");
+  action_of(document, "check_all_stmt_syntax")->trigger();
+  EXPECT_EQ(prepared(), (texts{"select a", "selec b", "select c"}));
+  EXPECT_EQ(at.ui.take_texts().size(), 1U) << "one message, for the one that is wrong";
+  EXPECT_EQ(text_of(document)->caret(), 1U);
+  EXPECT_FALSE(text_of(document)->hasSelectedText());
+  EXPECT_EQ(panels_of(document), "Status:|0.00000|0.00000|0.00000|0.00000|0|0.00000");
+
+  text_of(document)->set_caret(12);
+  action_of(document, "check_cur_stmt_syntax")->trigger();
+  EXPECT_EQ(prepared().back(), "selec b");
+  EXPECT_EQ(at.ui.take_texts().size(), 1U);
+  EXPECT_EQ(scripted::control().count("SQLExecute"), 0U);
+
+  put_text(document, "select a");
+  for (const char* command : {"check_cur_stmt_syntax", "mnu_speed_test"}) action_of(document, command)->trigger();
+  EXPECT_EQ(at.ui.messages.at(0).title + at.ui.messages.at(1).title, "User Error!User Error!");
+  EXPECT_EQ(at.ui.take_texts(),
+            (texts{"No statement!  Ensure that 1) You have a ';' after each statement. 2) your cursor is positioned "
+                   "before the ending ';' of the statement you wish to execute.",
+                   "No statement! Ensure that 1) Each statement ends with a ';'. 2) The cursor is within a statement, "
+                   "(before the ';')."}));
+}
+
+TEST(form1_run, a_speed_test_shows_its_figures) {
+  desktop at(sqlite());
+  form1* document = at.new_document();
+  session::speed_test_rows = 2000;
+  put_text(
+      document,
+      "\r\n select * from (with recursive r(n) as (select 1 union all select n + 1 from r where n < 5000) select n "
+      "from r);");
+  action_of(document, "mnu_speed_test")->trigger();
+  EXPECT_EQ(panels_of(document), "StatuMyCursor...|t|t|t|t|2000|0.00000");
+  EXPECT_TRUE(action_of(document, "mnu_speed_test")->isEnabled());
+  put_text(document, "select 1 where 1 = 0;");
+  action_of(document, "mnu_speed_test")->trigger();
+  EXPECT_EQ(at.ui.take_texts(), texts{"No Rows!"});
+}
+
 TEST(form1_run, settings_are_read_at_every_run) {
   desktop at(scripted_engine());
   form1* document = at.new_document();

@@ -20,6 +20,11 @@ class pipeline_recorder final : public pipeline_host, public pipeline_status {
     ++returned;
     for (int marker = 1; marker <= statement->Nparms(); ++marker) returned_values.push_back(statement->GetParm(marker));
   }
+  [[nodiscard]] bool data_window_wanted() const override { return data_window; }
+  void open_data_window(const std::string& text, const std::shared_ptr<odbcstmt>& statement,
+                        std::int64_t rows) override {
+    windows.push_back(text + '|' + std::to_string(rows) + '|' + to_text(statement->Getc(1, 0)));
+  }
   // The seven texts, joined by '|'.
   [[nodiscard]] std::string line() const {
     std::string all = panels[0];
@@ -30,6 +35,8 @@ class pipeline_recorder final : public pipeline_host, public pipeline_status {
   std::array<std::string, panel_count> panels{"Status:", "0.00000", "0.00000", "0.00000", "0.00000", "0", "0.00000"};
   std::vector<std::string> shown;
   std::string entered;
+  bool data_window = false;
+  std::vector<std::string> windows;  // text, rows, first cell
   std::function<bool(odbcstmt&)> on_enter;
   int returned = 0;
   std::vector<value> returned_values;

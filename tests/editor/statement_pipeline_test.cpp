@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "base/number_format.h"
 #include "editor/pipeline_recorder.h"
 #include "odbc/odbcd.h"
 #include "scripted_driver.h"
@@ -351,6 +352,126 @@ TEST_F(pipeline_test, a_statement_of_a_megabyte_arrives_whole) {
   driver.default_answer(numbers(1));
   EXPECT_EQ(run(text).outcome, run_outcome::ok);
   EXPECT_TRUE(prepared() == text);
+}
+
+TEST_F(pipeline_test, a_data_window_gets_what_the_first_fetch_brought) {
+  seen.data_window = true;
+  options.dw_rows = 77;
+  driver.answer_to("select n from t", numbers(1200));
+  EXPECT_EQ(run("select n from t").rows, 500);
+  EXPECT_EQ(seen.shown.at(seen.shown.size() - 3), "Fetch to Window: 77 rows|.25|.25|0.00000|0.00000|0|0.00000");
+  EXPECT_EQ(seen.shown.at(seen.shown.size() - 2), "Status...|.25|.25|0.250000|2,000.|500|0.00000");
+  EXPECT_EQ(seen.shown.back(), "Status...|.25|.25|0.250000|2,000.|500|0.250");
+
+  options.ext_fetch = false;
+  run("select n from t");
+  EXPECT_EQ(seen.shown.back(), "Status...|.25|.25|0.250000|4.|1|0.250");
+
+  options.ext_fetch = true;
+  driver.answer_to("select n from t", numbers(0));
+  EXPECT_EQ(run("select n from t").outcome, run_outcome::ok);
+  EXPECT_EQ(seen.shown.back(), "Status...|.25|.25|0|0.00000|0|0.250");
+  EXPECT_EQ(ui.take_texts(), texts{});
+
+  scripted::answer breaking = numbers(9);
+  breaking.fetch_failures = {{0, {SQL_ERROR, "40003", -913, "deadlock"}}};
+  driver.answer_to("select n from t", breaking);
+  EXPECT_EQ(run("select n from t").outcome, run_outcome::error);
+  ASSERT_EQ(ui.messages.size(), 1U) << "a failure does not pass for an empty result";
+  EXPECT_NE(ui.take_texts()[0].find("deadlock"), std::string::npos);
+  EXPECT_EQ(seen.windows,
+            (texts{"select n from t|500|0", "select n from t|1|0", "select n from t|0|", "select n from t|0|"}));
+
+  driver.answer_to("update t set n = 1", affecting(2));
+  run("update t set n = 1");
+  EXPECT_EQ(seen.windows.size(), 4U) << "only results are shown";
+}
+
+TEST_F(pipeline_test, a_syntax_check_prepares_releases_and_changes_no_panel) {
+  driver.answer_to("select n from t", numbers(3));
+  EXPECT_EQ(pipeline.prep_stmt("select n from t").outcome, run_outcome::ok);
+  EXPECT_FALSE(statement->InUse());
+  EXPECT_EQ(ui.take_texts(), texts{});
+  EXPECT_EQ(pipeline.prep_stmt("selec 1").diagnostic->native, -104);
+  EXPECT_FALSE(statement->InUse());
+  EXPECT_EQ(ui.take_texts().size(), 1U);
+  EXPECT_EQ(seen.shown, texts{});
+  EXPECT_EQ(seen.line(), "Status:|0.00000|0.00000|0.00000|0.00000|0|0.00000");
+  EXPECT_EQ(driver.count("SQLExecute") + driver.count("SQLSetStmtOption"), 0U);
+}
+
+struct speed_case {
+  SQLULEN rows;
+  std::int32_t target;
+  bool ext_fetch;
+  std::int32_t rowset;
+  std::int64_t fetched;
+  std::size_t fetches;
+  const char* panel_6;
+};
+
+TEST_F(pipeline_test, a_speed_test_fetches_until_the_target_is_reached) {
+  const std::vector<speed_case> cases{
+      {20000, 10000, true, 500, 10000, 20, "10000"}, {20000, 10000, true, 300, 10200, 34, "10200"},
+      {1200, 10000, true, 500, 1200, 4, "1200"},     {50, 100, false, 500, 50, 51, "earlier"},
+      {500, 250, false, 500, 250, 250, "200"},       {3, 2, true, 1, 2, 2, "earlier"},
+  };
+  for (const speed_case& each : cases) {
+    SCOPED_TRACE(testing::Message() << each.rows << " rows, target " << each.target << ", rowset " << each.rowset);
+    driver.clear_log();
+    driver.answer_to("SELECT n from t", numbers(each.rows));
+    options = {.ext_fetch = each.ext_fetch, .ext_fetch_rows = each.rowset, .speed_test_rows = each.target};
+    seen.panels = {"", "", "", "", "", "earlier", "kept"};
+    const run_result result = pipeline.speed_stmt("SELECT n from t", options);
+    EXPECT_EQ(result.outcome, run_outcome::ok);
+    EXPECT_EQ(result.rows, each.fetched);
+    EXPECT_EQ(driver.count("SQLExtendedFetch") + driver.count("SQLFetch"), each.fetches);
+    EXPECT_EQ(seen.line(), "StatuMyCursor...|.25|.25|.25|" +
+                               format_number(static_cast<double>(each.fetched) * 4, "##,###.###") + '|' + each.panel_6 +
+                               "|kept");
+  }
+  EXPECT_EQ(ui.take_texts(), texts{});
+}
+
+TEST_F(pipeline_test, a_speed_test_tells_why_it_measured_nothing) {
+  const auto phase_after = [&](std::string_view text) {
+    const run_result result = pipeline.speed_stmt(text, options);
+    return seen.panels[0] + '|' + std::string(outcome_name(result.outcome));
+  };
+  for (const char* text : {"with a as (select 1) select * from a", "", " select 1", "update t set a = 1", "selec"}) {
+    EXPECT_EQ(phase_after(text), "Preparing|error") << text;
+    EXPECT_EQ(ui.take_texts(), texts{"You can only Speed Test SELECT statements!"}) << text;
+  }
+  EXPECT_EQ(driver.count("SQLPrepare"), 0U);
+
+  EXPECT_EQ(phase_after("select from"), "Preparing|error");
+  EXPECT_EQ(ui.take_texts().size(), 1U);
+  scripted::answer asking = numbers(1);
+  asking.parameters = {{SQL_INTEGER, 10}};
+  asking.execute_failure = scripted::failure{SQL_ERROR, "07001", -313, "values are missing"};
+  driver.answer_to("select ?", asking);
+  EXPECT_EQ(phase_after("select ?"), "Executing|error");
+  EXPECT_EQ(seen.entered, "") << "markers are not asked for";
+  EXPECT_EQ(ui.take_texts().size(), 1U);
+
+  driver.answer_to("select n from t", numbers(0));
+  EXPECT_EQ(phase_after("select n from t"), "Fetching 10000 target rows|ok");
+  EXPECT_EQ(ui.messages.at(0).title, "");
+  EXPECT_EQ(ui.messages.at(0).details, "");
+  EXPECT_EQ(ui.take_texts(), texts{"No Rows!"});
+
+  scripted::answer breaking = numbers(2000);
+  breaking.fetch_failures = {{0, {SQL_ERROR, "40003", -913, "deadlock"}}};
+  driver.answer_to("select n from t", breaking);
+  EXPECT_EQ(phase_after("select n from t"), "Fetching 10000 target rows|error");
+  EXPECT_NE(ui.messages.at(0).details.find("deadlock"), std::string::npos);
+  EXPECT_EQ(ui.take_texts(), texts{"No Rows!"});
+
+  breaking.fetch_failures = {{700, {SQL_ERROR, "40003", -913, "deadlock"}}};
+  driver.answer_to("select n from t", breaking);
+  EXPECT_EQ(phase_after("select n from t"), "StatuMyCursor...|error") << "the times stand for the rows that came";
+  EXPECT_EQ(seen.panels[5], "500");
+  expect_next_statement_works();
 }
 
 }  // namespace
