@@ -1,9 +1,11 @@
 #include "base/conversions.h"
 
+#include <fmt/format.h>
 #include <langinfo.h>
 #include <locale.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <ctime>
@@ -220,10 +222,12 @@ std::optional<std::int32_t> round_to_int32(double number) {
   return static_cast<std::int32_t>(rounded);
 }
 
-std::optional<date_time> parse_date(std::string_view text) {
+std::optional<date_time> parse_date(std::string_view text, date_order order) {
   text = trim_white(text);
   if (const auto time = parse_time(text); time && text.find(':') != std::string_view::npos) return time;
-  for (const auto& parse : {parse_iso_date, parse_month_first, parse_locale_date<'y'>, parse_locale_date<'Y'>}) {
+  std::array forms{parse_iso_date, parse_month_first, parse_locale_date<'y'>, parse_locale_date<'Y'>};
+  if (order == date_order::locale_first) std::rotate(forms.begin() + 1, forms.begin() + 2, forms.end());
+  for (const auto& parse : forms) {
     const auto found = parse(text);
     if (!found) continue;
     if (found->rest.empty()) return found->date;
@@ -232,6 +236,29 @@ std::optional<date_time> parse_date(std::string_view text) {
     if (const auto time = parse_time(found->rest.substr(1))) return found->date + *time;
   }
   return std::nullopt;
+}
+
+std::optional<date_time> parse_time_of_day(std::string_view text) { return parse_time(text); }
+
+std::string month_first_text(date_time moment) {
+  const date_fields at = fields_of(moment);
+  return fmt::format("{:02}/{:02}/{:04}", at.month, at.day, at.year);
+}
+
+std::string short_date_text(date_time moment) {
+  const date_time day{moment.days, 0};
+  const date_fields at = fields_of(day);
+  tm broken_down{};
+  broken_down.tm_year = at.year - 1900;
+  broken_down.tm_mon = at.month - 1;
+  broken_down.tm_mday = at.day;
+  broken_down.tm_wday = ((day.days + 6) % 7 + 7) % 7;  // the epoch was a Saturday
+  std::array<char, 128> written{};
+  const std::size_t length =
+      std::strftime(written.data(), written.size(), current_locale_forms().short_date.c_str(), &broken_down);
+  std::string text(written.data(), length);
+  if (is_valid_utf8(text) && parse_date(text, date_order::locale_first) == day) return text;
+  return to_text(day);
 }
 
 std::optional<std::int32_t> int32_of(const value& v) {

@@ -32,10 +32,22 @@ double leading_number(std::string_view text);
 // Nearest integer, a half to the even neighbour; nothing when it does not fit.
 std::optional<std::int32_t> round_to_int32(double number);
 
+// Which form is tried first where a text reads as a date in two: 05/04/2001 is the 4th of May with the month first, and
+// the 5th of April in a locale that puts the day first.
+enum class date_order { month_first, locale_first };
+
 // A text as date, time or both: ISO forms (also with 'T', or as DB2 writes a timestamp: 2001-05-17-13.45.30.123456),
 // month first with slashes, the locale's short date; a time has two or three parts and may end in AM or PM. Fractions
 // of a second are dropped.
-std::optional<date_time> parse_date(std::string_view text);
+std::optional<date_time> parse_date(std::string_view text, date_order order = date_order::month_first);
+// A text that is a time of day alone, in the forms of parse_date (13.45.30, as DB2 writes it, included).
+std::optional<date_time> parse_time_of_day(std::string_view text);
+
+// The day of a moment as mm/dd/yyyy.
+std::string month_first_text(date_time moment);
+// The day of a moment as the locale writes a short date; in ISO form where parse_date with the locale first would not
+// read the same day from it. UTF-8.
+std::string short_date_text(date_time moment);
 
 // A value as another kind; nothing when it has no such form (Null, Empty, error values, arrays, texts that do not read
 // so). A boolean is -1 or 0, a date is its days with the time as fraction, and a number is days likewise.
