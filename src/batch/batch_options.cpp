@@ -2,10 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <limits>
 
 std::optional<batch_options> parse_batch_options(int argc, const char* const* argv, int& exit_status) {
   batch_options options;
   bool no_block_fetch = false;
+  bool checks = false;
+  bool speed_tests = false;
   std::string statements;
   CLI::App app(
       "Executes the SQL statements of a script, each ended by ';', and prints the figures of each.\n"
@@ -22,7 +25,22 @@ std::optional<batch_options> parse_batch_options(int argc, const char* const* ar
   app.add_option("--isolation", options.isolation,
                  "0 cursor stability, 2 read uncommitted (the default), 3 read repeatability")
       ->check(CLI::IsMember({0, 2, 3}));
-  app.add_flag("--all-rows", options.all_rows, "fetch each result to its end, not its first block only");
+  auto* check = app.add_flag("--check", checks, "only prepare each statement, and tell what the database finds wrong");
+  auto* speed = app.add_flag("--speed-test", speed_tests,
+                             "fetch each SELECT up to a target number of rows, however many blocks that takes")
+                    ->excludes(check);
+  app.add_option("--target", options.speed_test_rows, "rows that a speed test fetches (10000)")
+      ->check(CLI::Range(1, std::numeric_limits<std::int32_t>::max()))
+      ->needs(speed);
+  app.add_option("--param", options.parameters,
+                 "a value for the next parameter marker, #NULL# for a null; repeat it for every marker of the "
+                 "script, calls included")
+      ->allow_extra_args(false)
+      ->excludes(check)
+      ->excludes(speed);
+  app.add_flag("--all-rows", options.all_rows, "fetch each result to its end, not its first block only")
+      ->excludes(check)
+      ->excludes(speed);
   app.add_flag("--json", options.json, "print one JSON object per statement");
   auto* file = app.add_option("FILE.sql", options.file, "the script");
   auto* text = app.add_option("-e", statements, "statements given on the command line")->excludes(file);
@@ -34,6 +52,8 @@ std::optional<batch_options> parse_batch_options(int argc, const char* const* ar
     return std::nullopt;
   }
   options.ext_fetch = !no_block_fetch;
+  if (checks) options.mode = batch_mode::check;
+  if (speed_tests) options.mode = batch_mode::speed_test;
   if (!text->empty()) options.statements = statements;
   return options;
 }

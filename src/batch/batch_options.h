@@ -3,6 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
+
+// What is done with each statement.
+enum class batch_mode { execute, check, speed_test };
 
 // What the console program was asked to do.
 struct batch_options {
@@ -13,10 +17,13 @@ struct batch_options {
   std::int32_t rowset = 500;
   bool autocommit = false;
   std::int32_t isolation = 2;
+  batch_mode mode = batch_mode::execute;
+  std::int32_t speed_test_rows = 10000;  // the speed test's target
   bool all_rows = false;
   bool json = false;
   std::string file;                       // the script, unless statements are given
   std::optional<std::string> statements;  // the text given with -e
+  std::vector<std::string> parameters;    // values for markers, statement after statement
 };
 
 // The options of a command line; nothing when the program is to end with `exit_status` (2 after a usage message on

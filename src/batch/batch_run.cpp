@@ -61,12 +61,37 @@ std::optional<std::string> script_text(const batch_options& options, std::ostrea
 struct batch_tally {
   bool failed = false;
   bool uncommitted = false;
+  std::size_t unused_parameters = 0;
 };
+
+nlohmann::ordered_json json_of(const value& shown) {
+  if (shown.is_null() || shown.is_empty()) return nullptr;
+  if (const auto* number = shown.get<std::int32_t>()) return *number;
+  if (const auto* number = shown.get<std::int16_t>()) return *number;
+  if (const auto* number = shown.get<double>()) return *number;
+  if (const auto* number = shown.get<float>()) return *number;
+  if (const auto* yes = shown.get<bool>()) return *yes;
+  return to_text(shown);
+}
+
+run_result do_statement(batch_mode mode, statement_pipeline& pipeline, std::string_view text,
+                        const run_options& options) {
+  switch (mode) {
+    case batch_mode::check:
+      return pipeline.prep_stmt(text);
+    case batch_mode::speed_test:
+      // As the statement under a caret: its leading blanks do not count.
+      return pipeline.speed_stmt(trima(text), options);
+    case batch_mode::execute:
+      break;
+  }
+  return pipeline.run_stmt(text, options);
+}
 
 batch_tally run_statements(const std::string& script, const std::vector<statement_span>& spans,
                            const batch_options& options, std::ostream& out) {
   batch_tally tally;
-  console_host host;
+  console_host host(options.parameters);
   const auto statement = std::make_shared<odbcstmt>();
   if (!statement->Make(session::g_con)) {
     session::g_con.Errd();
@@ -76,24 +101,27 @@ batch_tally run_statements(const std::string& script, const std::vector<statemen
   statement_pipeline pipeline(statement, host, host);
   const run_options run{.ext_fetch = session::ext_fetch,
                         .ext_fetch_rows = session::ext_fetch_rows,
-                        .speed_test_rows = session::speed_test_rows,
+                        .speed_test_rows = options.speed_test_rows,
                         .extent = options.all_rows ? fetch_extent::all_rows : fetch_extent::first_block_or_row};
   int number = 0;
   for (const statement_span& span : spans) {
     const std::string text = script.substr(span.start, span.length);
-    const run_result result = pipeline.run_stmt(text, run);
+    const run_result result = do_statement(options.mode, pipeline, text, run);
     ++number;
-    out << (options.json ? json_line(number, text, result) : plain_line(number, result)) << std::endl;
+    out << (options.json ? json_line(number, text, result, host.take_returned()) : plain_line(number, result))
+        << std::endl;
     tally.failed |= result.outcome != run_outcome::ok;
-    tally.uncommitted |=
-        !options.autocommit && result.kind != statement_class::query && result.outcome == run_outcome::ok;
+    tally.uncommitted |= options.mode == batch_mode::execute && !options.autocommit &&
+                         result.kind != statement_class::query && result.outcome == run_outcome::ok;
   }
+  tally.unused_parameters = host.unused();
   return tally;
 }
 
 }  // namespace
 
-std::string json_line(int number, const std::string& text, const run_result& result) {
+std::string json_line(int number, const std::string& text, const run_result& result,
+                      const std::optional<std::vector<value>>& returned) {
   nlohmann::ordered_json object{
       {"number", number},
       {"class", class_name(result.kind)},
@@ -105,6 +133,10 @@ std::string json_line(int number, const std::string& text, const run_result& res
       {"rows_per_s", result.rows_per_s},
       {"outcome", outcome_name(result.outcome)},
   };
+  if (returned) {
+    auto& values = object["values"] = nlohmann::ordered_json::array();
+    for (const value& each : *returned) values.push_back(json_of(each));
+  }
   if (result.diagnostic) {
     object["diagnostic"] = {{"native", result.diagnostic->native},
                             {"state", result.diagnostic->state},
@@ -142,6 +174,10 @@ int run_batch(const batch_options& options, const std::string& password, std::os
   const batch_tally tally = run_statements(*script, spans, options, out);
   if (!is_blank(std::string_view(*script).substr(end))) {
     remarks << "sorvane-batch: the text after the last ';' was not executed\n";
+  }
+  if (tally.unused_parameters > 0) {
+    remarks << fmt::format("sorvane-batch: {} of the values given with --param {} not used\n", tally.unused_parameters,
+                           tally.unused_parameters == 1 ? "was" : "were");
   }
   if (tally.uncommitted) {
     remarks << "sorvane-batch: autocommit is off: changes that no COMMIT ended are rolled back now\n";

@@ -11,7 +11,10 @@ inline constexpr int batch_statement_failed = 1;
 inline constexpr int batch_usage_or_login = 2;
 
 // One JSON object on one line, and one line of the plain table, for a statement's figures. `number` counts from 1.
-std::string json_line(int number, const std::string& text, const run_result& result);
+// `returned`, the markers of a call after it, becomes the array "values": null for Null, numbers and booleans as such,
+// all else as text.
+std::string json_line(int number, const std::string& text, const run_result& result,
+                      const std::optional<std::vector<value>>& returned = std::nullopt);
 std::string plain_header();
 std::string plain_line(int number, const run_result& result);
 

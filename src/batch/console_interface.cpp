@@ -7,21 +7,43 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/clock.h"
+#include "params/parameter_values.h"
+
 message_answer console_interface::show_message(const message& shown) {
   fmt::print(stderr, "{}{}{}\n", shown.title, shown.title.empty() ? "" : ": ", shown.text);
   if (!shown.details.empty()) fmt::print(stderr, "  {}\n", shown.details);
   return message_answer::ok;
 }
 
-bool console_host::enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool) {
-  show_message({fmt::format("The statement has {} parameter marker{}; values for markers can not be given here yet. It "
-                            "was not executed.",
-                            statement->Nparms(), statement->Nparms() == 1 ? "" : "s"),
-                "User Error",
-                message_icon::question,
-                message_buttons::ok,
-                {}});
-  return false;
+bool console_host::enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool is_call) {
+  const auto wanted = static_cast<std::size_t>(statement->Nparms());
+  if (unused() < wanted) {
+    show_user_error(
+        fmt::format("The statement has {} parameter marker{}, and {} of the values given with --param {} "
+                    "left. It was not executed.",
+                    wanted, wanted == 1 ? "" : "s", unused(), unused() == 1 ? "is" : "are"));
+    next_ = parameters_.size();
+    return false;
+  }
+  const std::size_t first = std::exchange(next_, next_ + wanted);
+  auto rows = parameter_rows(*statement, current_clock().now());
+  if (!rows) {
+    show_user_error(std::string(unhandled_type));
+    return false;
+  }
+  for (std::size_t i = 0; i < wanted; ++i) (*rows)[i].text = parameters_[first + i];
+  const checked_values checked = values_of(*rows);
+  if (!checked.ok()) {
+    show_user_error(checked.message);
+    return false;
+  }
+  return bind_values(*statement, checked.values, is_call);
+}
+
+void console_host::show_returned_parameters(const std::shared_ptr<odbcstmt>& statement) {
+  returned_.emplace();
+  for (int marker = 1; marker <= statement->Nparms(); ++marker) returned_->push_back(statement->GetParm(marker));
 }
 
 std::string console_password() {

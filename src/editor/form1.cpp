@@ -10,6 +10,8 @@
 #include "base/files.h"
 #include "base/user_interface.h"
 #include "editor/statement_text.h"
+#include "params/fbindparms.h"
+#include "params/fshowparms.h"
 #include "platform/file_dialogs.h"
 #include "platform/saved_file.h"
 #include "platform/twips.h"
@@ -243,18 +245,13 @@ void form1::mnu_speed_test_Click() { run_current(no_statement_to_speed_test, "Us
 void form1::m_commit_Click() { session::g_con.Commit(); }
 void form1::m_Rollback_Click() { session::g_con.Rollback(); }
 
-bool form1::enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool) {
-  show_message({fmt::format("This statement has {} parameter marker{}. Entering their values is not part of this "
-                            "version yet, so it was not executed.",
-                            statement->Nparms(), statement->Nparms() == 1 ? "" : "s"),
-                "Informational Message",
-                message_icon::question,
-                message_buttons::ok,
-                {}});
-  return false;
+bool form1::enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool is_call) {
+  return wait_for_parameters(this, statement, is_call);
 }
 
-void form1::show_returned_parameters(const std::shared_ptr<odbcstmt>&) {}
+void form1::show_returned_parameters(const std::shared_ptr<odbcstmt>& statement) {
+  ::show_returned_parameters(this, statement);
+}
 
 bool form1::data_window_wanted() const { return false; }
 void form1::open_data_window(const std::string&, const std::shared_ptr<odbcstmt>&, std::int64_t) {}

@@ -69,6 +69,10 @@ TEST_F(sorvane_batch, refuses_what_it_does_not_understand) {
       {"--dsn", "sqlite", "-e", "select 1;", "--rowset", "5", "--no-block-fetch"},
       {"--dsn", "sqlite", "-e", "select 1;", "--isolation", "1"},
       {"--dsn", "sqlite", "-e", "select 1;", "--pwd", "secret"},
+      {"--dsn", "sqlite", "-e", "select 1;", "--check", "--speed-test"},
+      {"--dsn", "sqlite", "-e", "select 1;", "--check", "--param", "1"},
+      {"--dsn", "sqlite", "-e", "select 1;", "--target", "100"},
+      {"--dsn", "sqlite", "-e", "select 1;", "--speed-test", "--target", "0"},
   };
   for (const words& each : cases) {
     const program_run run = batch(each);
@@ -148,7 +152,7 @@ TEST_F(sorvane_batch, prints_json_with_exactly_these_fields) {
   EXPECT_GT(objects[0].at("prepare_s").get<double>(), 0);
   EXPECT_EQ(objects[1].at("fetch_s"), 0) << "a phase that was not reached";
   EXPECT_EQ(objects[4].at("execute_s"), 0);
-  EXPECT_NE(run.err.find("1 parameter marker;"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("1 parameter marker,"), std::string::npos) << run.err;
   EXPECT_EQ(run.out.rfind("{\"number\":1,\"class\":\"query\",\"text\":", 0), 0U);
 }
 
@@ -247,6 +251,23 @@ TEST_P(sorvane_batch_server, a_server_that_goes_away_in_the_middle_fails_the_res
     EXPECT_EQ(objects[i].at("outcome"), "error") << objects[i];
     EXPECT_TRUE(objects[i].contains("diagnostic")) << objects[i];
   }
+}
+
+TEST_P(sorvane_batch_server, typed_markers_take_values_and_calls_return_theirs) {
+  const scoped_environment typed("SORVANE_PWD", "secret");
+  const program_run run = batch({"--dsn", "postgres", "--uid", "sorvane", "--json", "--param", "41", "--param", "Grüße",
+                                 "--param", "-1", "--param", "2001-05-17", "-e",
+                                 "create procedure batch_bump(inout n integer, inout word varchar) language sql as "
+                                 "$$ select n + 1, word || '!' $$;"
+                                 "create table batch_marks (n integer, day date);"
+                                 "call batch_bump(?, ?);"
+                                 "insert into batch_marks values (?, ?);"
+                                 "select * from batch_marks where n = -1 and day = '2001-05-17';"});
+  const auto objects = objects_of(run);
+  ASSERT_EQ(objects.size(), 5U) << run.err;
+  EXPECT_EQ(objects[2].at("values"), json::array({42, "Grüße!"})) << run.err;
+  EXPECT_EQ(objects[4].at("rows"), 1);
+  EXPECT_EQ(run.status, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(engines, sorvane_batch_server, testing::Values(postgres()),

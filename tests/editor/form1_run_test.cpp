@@ -1,8 +1,12 @@
 // A document's statements: typed, run, shown, and interrupted by whatever closes windows meanwhile.
 #include <gtest/gtest.h>
 
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTimer>
 
+#include "params/fbindparms.h"
+#include "params/fshowparms.h"
 #include "support/desktop.h"
 
 using texts = std::vector<std::string>;
@@ -100,19 +104,66 @@ TEST(form1_run, messages_instead_of_a_run) {
                                       "between the beginning of the statement and the ';'"});
   EXPECT_EQ(panels_of(document), "Status:|0.00000|0.00000|0.00000|0.00000|0|0.00000");
 
-  scripted::answer asking = numbers(1);
-  asking.parameters = {{SQL_INTEGER, 10}};
-  scripted::control().answer_to("select ?", asking);
-  put_text(document, "select ?;");
-  action_of(document, "exe_current")->trigger();
-  EXPECT_EQ(at.ui.take_texts(), texts{"This statement has 1 parameter marker. Entering their values is not part of "
-                                      "this version yet, so it was not executed."});
-  EXPECT_EQ(panels_of(document), "Status...|t|0.00000|0.00000|0.00000|0|0.00000");
-  EXPECT_TRUE(action_of(document, "exe_current")->isEnabled());
-
   put_text(document, std::string("select \0 1;", 11));
   action_of(document, "exe_current")->trigger();
   EXPECT_NE(at.ui.take_texts().back().find("holds a zero byte"), std::string::npos);
+}
+
+// The open window of a class, driven once a run waits for it.
+template <typename window>
+window* open_window() {
+  for (QWidget* each : QApplication::topLevelWidgets()) {
+    if (auto* found = qobject_cast<window*>(each); found != nullptr && found->isVisible()) return found;
+  }
+  return nullptr;
+}
+
+TEST(form1_run, a_call_asks_for_its_parameters_and_shows_what_they_became) {
+  desktop at(scripted_engine());
+  form1* document = at.new_document();
+  scripted::control().answer_to(
+      "call p(?,?)", {.parameters = {{SQL_INTEGER, 10}, {SQL_VARCHAR, 9}}, .outputs = {{1, 42}}, .row_count = 0});
+  put_text(document, "call p(?,?);");
+  QTimer::singleShot(0, document, [&] {
+    auto* dialog = open_window<fBindParms>();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(panels_of(document), "Waiting for Parameters....|t|0.00000|0.00000|0.00000|0|0.00000");
+    dialog->findChild<QLineEdit*>("BindData_0")->setText("41");
+    dialog->findChild<QLineEdit*>("BindData_1")->setText(" #null# ");
+    dialog->findChild<QPushButton*>("Command1")->click();
+  });
+  action_of(document, "exe_current")->trigger();
+  EXPECT_EQ(panels_of(document), "Status...|t|t|0.00000|0.00000|0|0.00000");
+  EXPECT_EQ(scripted::control().executions().at(0).rows.at(0).at(1).length_word, SQL_NULL_DATA);
+  auto* returned = open_window<fShowParms>();
+  ASSERT_NE(returned, nullptr);
+  EXPECT_EQ(returned->findChild<QLineEdit*>("BindData_0")->text(), "42");
+  window_of(document)->close();
+  settle();
+  EXPECT_EQ(open_window<fShowParms>(), returned) << "it stays until the user closes it";
+  returned->close();
+  settle();
+  EXPECT_EQ(at.ui.take_texts(), texts{});
+}
+
+TEST(form1_run, parameters_that_are_given_up_or_of_no_known_type_end_the_run) {
+  desktop at(scripted_engine());
+  form1* document = at.new_document();
+  scripted::answer asking = numbers(1);
+  asking.parameters = {{SQL_INTEGER, 10}};
+  scripted::control().answer_to("select ?", asking);
+  asking.parameters = {{SQL_LONGVARCHAR, 10}};
+  scripted::control().answer_to("select long ?", asking);
+  put_text(document, "select ?;");
+  QTimer::singleShot(0, document, [&] { open_window<fBindParms>()->findChild<QPushButton*>("Command2")->click(); });
+  action_of(document, "exe_current")->trigger();
+  EXPECT_EQ(panels_of(document), "Status...|t|0.00000|0.00000|0.00000|0|0.00000");
+  EXPECT_TRUE(action_of(document, "exe_current")->isEnabled());
+  put_text(document, "select long ?;");
+  action_of(document, "exe_current")->trigger();
+  EXPECT_EQ(at.ui.take_texts(), texts{"Unhandeled Type Encountered!"});
+  EXPECT_EQ(panels_of(document), "Status...|t|0.00000|0.00000|0.00000|0|0.00000");
+  EXPECT_EQ(scripted::control().count("SQLExecute"), 0U);
 }
 
 TEST(form1_run, statements_are_checked_without_running) {
@@ -272,9 +323,14 @@ TEST_P(interrupted_run, ends_while_parameters_are_entered) {
   scripted::answer asking = numbers(1);
   asking.parameters = {{SQL_INTEGER, 10}};
   scripted::control().answer_to("select a", asking);
-  at.ui.while_open = [&](const message&) { interrupt(); };
-  action_of(document, "exe_all")->trigger();
+  QTimer::singleShot(0, [&] {
+    ASSERT_NE(open_window<fBindParms>(), nullptr);
+    interrupt();
+  });
+  // Under a box the deletion comes at once; here it comes with the event loop that waits.
+  action_of(document, "exe_current")->trigger();
   expect_gone({"select a"});
+  EXPECT_EQ(open_window<fBindParms>(), nullptr);
   EXPECT_EQ(scripted::control().count("SQLExecute"), 0U);
 }
 
