@@ -14,9 +14,9 @@
 #include "params/fshowparms.h"
 #include "platform/file_dialogs.h"
 #include "platform/saved_file.h"
-#include "platform/twips.h"
 #include "shell/session.h"
 #include "ui_form1.h"
+#include "widgets/twips.h"
 
 namespace {
 

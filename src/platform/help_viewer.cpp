@@ -4,7 +4,7 @@
 #include <QTextBrowser>
 #include <QUrl>
 
-#include "platform/twips.h"
+#include "widgets/twips.h"
 
 void show_help_contents(QWidget* owner) {
   static QPointer<QTextBrowser> viewer;

@@ -14,12 +14,12 @@
 #include "editor/form1.h"
 #include "odbc/odbcd.h"
 #include "platform/help_viewer.h"
-#include "platform/twips.h"
 #include "shell/about.h"
 #include "shell/command_line.h"
 #include "shell/insert_test.h"
 #include "shell/session.h"
 #include "ui_mainmdi.h"
+#include "widgets/twips.h"
 
 namespace {
 

@@ -13,7 +13,6 @@
 #include "platform/program_resources.h"
 #include "platform/qt_user_interface.h"
 #include "platform/saved_file.h"
-#include "platform/twips.h"
 #include "support/temporary_folder.h"
 
 using namespace std::string_literals;
@@ -87,13 +86,6 @@ TEST(file_dialogs_test, another_can_be_installed_and_taken_back) {
   EXPECT_EQ(file_dialogs::current().open({"Title", "", ""}, nullptr), "Title!");
   file_dialogs::install(nullptr);
   EXPECT_EQ(&file_dialogs::current(), &desktop);
-}
-
-TEST(twips, are_a_1440th_of_an_inch) {
-  const QWidget widget;
-  EXPECT_EQ(twips_to_pixels(1440, widget), widget.logicalDpiX());
-  EXPECT_EQ(twips_to_pixels(8200, widget), 8200 * widget.logicalDpiX() / 1440);
-  EXPECT_EQ(twips_to_pixels(0, widget), 0);
 }
 
 TEST(program_resources, the_help_page_and_the_icon_are_inside_the_program) {
