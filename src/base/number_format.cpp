@@ -3,7 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 
 namespace {
@@ -77,6 +80,31 @@ std::string grouped_by_thousands(const std::string& whole) {
 std::string number_text(double number) {
   if (number == 0) return "0";
   return fmt::format("{:.15G}", number);
+}
+
+// A number that is a whole count of ten-thousandths, or of a coarser unit, with at most 15 digits is written from that
+// count: it is the nearest double to that decimal, so 15 significant digits give the decimal back.
+void append_number_text(double number, std::string& out) {
+  constexpr double most = 999'999'999'999'999.0;
+  constexpr std::array<double, 5> units{1, 10, 100, 1'000, 10'000};
+  for (std::size_t decimals = 0; decimals < units.size() && number != 0; ++decimals) {
+    const double scaled = std::nearbyint(number * units[decimals]);
+    if (!(std::fabs(scaled) <= most)) break;
+    if (scaled / units[decimals] != number) continue;
+    std::array<char, 24> digits{};
+    const auto magnitude = static_cast<std::int64_t>(std::fabs(scaled));
+    const auto unit = static_cast<std::int64_t>(units[decimals]);
+    if (number < 0) out += '-';
+    char* end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude / unit).ptr;
+    out.append(digits.data(), end);
+    if (decimals == 0) return;
+    // The unit in front keeps the zeros that lead the decimals.
+    end = std::to_chars(digits.data(), digits.data() + digits.size(), unit + magnitude % unit).ptr;
+    digits[0] = '.';
+    out.append(digits.data(), end);
+    return;
+  }
+  out += number_text(number);
 }
 
 std::string number_text(float number) {

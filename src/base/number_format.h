@@ -11,6 +11,9 @@ std::string number_text(double number);
 std::string number_text(float number);
 std::string number_text(currency amount);
 
+// The same text at the end of `out`, without a string of its own.
+void append_number_text(double number, std::string& out);
+
 // A number shown by a pattern. '0' is a required digit, '#' an optional one, '.' the decimal point, which is printed
 // whenever the pattern has it, and ',' anywhere before the point groups thousands. Values are rounded, halves away from
 // zero, to the digits after the point; digits before the point are never dropped. So with "##.#######" 0.25 is ".25"

@@ -132,6 +132,9 @@ class odbcstmt {
   // A fetched cell: Null, text without leading and trailing blanks, 32-bit integer, double, date-time; Empty outside
   // the rowset and columns.
   [[nodiscard]] value Getc(int column_number, std::int64_t row = 0) const;
+  // Puts to_text of the cell that Getc gives at the end of `out`, without a value in between; false for Null, which has
+  // no text.
+  bool append_text(int column_number, std::int64_t row, std::string& out) const;
   // The cells of a row as an array from 1, and of rows first..last as a matrix [column, row]; Empty outside the rowset.
   [[nodiscard]] value GetRow(std::int64_t row = 0) const;
   [[nodiscard]] value GetRows(std::int64_t first, std::int64_t last) const;

@@ -1,5 +1,10 @@
 // The fetching half of odbcstmt: rows into the bound buffer, and cells out of it.
+#include <fmt/compile.h>
+
+#include <iterator>
+
 #include "base/matrix.h"
+#include "base/number_format.h"
 #include "base/text.h"
 #include "base/user_interface.h"
 #include "odbc/layer_error.h"
@@ -54,6 +59,35 @@ value odbcstmt::cell(std::size_t column_index, std::size_t row) const {
 value odbcstmt::Getc(int column_number, std::int64_t row) const {
   if (row < 0 || row >= rowset_size || column_number < 1 || column_number > ncols) return {};
   return cell(static_cast<std::size_t>(column_number - 1), static_cast<std::size_t>(row));
+}
+
+bool odbcstmt::append_text(int column_number, std::int64_t row, std::string& out) const {
+  if (row < 0 || row >= rowset_size || column_number < 1 || column_number > ncols) return true;
+  const column_info& at = described(column_number);
+  const auto index = static_cast<std::size_t>(row);
+  const SQLLEN length = length_word(static_cast<std::size_t>(column_number - 1), index);
+  if (length == SQL_NULL_DATA) return false;
+  const unsigned char* bytes = row_data.data() + at.offset + index * at.width;
+  switch (at.ctype) {
+    case SQL_C_CHAR:
+      append_trimmed_cell_text(bytes, at.width, length, out);
+      break;
+    case SQL_C_LONG:
+      fmt::format_to(std::back_inserter(out), FMT_COMPILE("{}"), cfgetd(bytes));
+      break;
+    case SQL_C_DOUBLE:
+      append_number_text(cfgetf(bytes), out);
+      break;
+    default: {
+      const value moment = moment_cell(at.ctype, bytes, impossible_date);
+      if (const auto* read = moment.get<date_time>()) {
+        ::append_text(*read, out);
+      } else {
+        out += to_text(moment);
+      }
+    }
+  }
+  return true;
 }
 
 value odbcstmt::GetRow(std::int64_t row) const {

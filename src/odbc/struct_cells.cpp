@@ -10,16 +10,29 @@ void put_word(unsigned char* bytes, std::size_t index, int number) {
   cfputw(bytes + 2 * index, static_cast<std::int16_t>(number));
 }
 
-}  // namespace
-
-std::string cell_text(const unsigned char* bytes, std::size_t width, SQLLEN length) {
+// The bytes of a text cell, in the code page in force.
+std::string_view cell_bytes(const unsigned char* bytes, std::size_t width, SQLLEN length) {
   if (length < 1 || width < 2) return {};
   const std::size_t room = width - 1;
   const auto reported = static_cast<std::size_t>(length);
+  const std::string_view text(reinterpret_cast<const char*>(bytes), std::min(reported, room));
+  return reported > room && current_code_page().is_utf8() ? without_cut_character(text) : text;
+}
+
+}  // namespace
+
+std::string cell_text(const unsigned char* bytes, std::size_t width, SQLLEN length) {
+  return current_code_page().to_utf8(cell_bytes(bytes, width, length));
+}
+
+void append_trimmed_cell_text(const unsigned char* bytes, std::size_t width, SQLLEN length, std::string& out) {
   const code_page& page = current_code_page();
-  std::string_view text(reinterpret_cast<const char*>(bytes), std::min(reported, room));
-  if (reported > room && page.is_utf8()) text = without_cut_character(text);
-  return page.to_utf8(text);
+  const std::string_view text = cell_bytes(bytes, width, length);
+  if (page.is_utf8()) {
+    out += trim_blanks(text);
+  } else {
+    out += trim_blanks(page.to_utf8(text));
+  }
 }
 
 value moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_value impossible) {

@@ -9,6 +9,8 @@
 // The text of a cell of `width` bytes whose length word is `length`: "" below 1, never more than width - 1 bytes, and
 // where the driver cut the value, cut back to a whole character. UTF-8.
 std::string cell_text(const unsigned char* bytes, std::size_t width, SQLLEN length);
+// The same text without its leading and trailing blanks, at the end of `out`.
+void append_trimmed_cell_text(const unsigned char* bytes, std::size_t width, SQLLEN length, std::string& out);
 
 // The date-time of a SQL_C_DATE, SQL_C_TIME or SQL_C_TIMESTAMP cell, fractions of a second dropped; `impossible` when
 // it names none.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -71,6 +72,39 @@ TEST(number_format, number_text_is_short_and_free_of_binary_noise) {
   EXPECT_EQ(number_text(currency{-5000}), "-0.5");
   EXPECT_EQ(number_text(currency{100000}), "10");
   EXPECT_EQ(number_text(currency{std::numeric_limits<std::int64_t>::min()}), "-922337203685477.5808");
+}
+
+TEST(number_format, appends_the_text_of_a_number) {
+  std::vector<double> numbers{0,
+                              -0.0,
+                              0.1,
+                              -0.1,
+                              0.1 + 0.2,
+                              1e15,
+                              -1e15,
+                              999'999'999'999'999.0,
+                              0.0001,
+                              0.00001,
+                              0.12345,
+                              1e20,
+                              1e-300,
+                              2.0 / 3,
+                              12.30,
+                              1e14 + 0.5,
+                              99'999'999'999.9999,
+                              infinite,
+                              -infinite,
+                              5e-324,
+                              123456789012.125,
+                              -0.07,
+                              1.00005};
+  // Hundredths, ten-thousandths and what multiplication leaves of them.
+  for (int i = -3000; i < 3000; ++i) numbers.insert(numbers.end(), {i / 100.0, i * 0.37, i * 1e7 / 1e4, i / 7.0});
+  for (const double number : numbers) {
+    std::string text = "=";
+    append_number_text(number, text);
+    EXPECT_EQ(text, "=" + number_text(number));
+  }
 }
 
 }  // namespace

@@ -77,6 +77,9 @@ void check_cells(scripted::driver& driver, odbcstmt& stmt, const std::vector<cel
       std::int64_t rows = 0;
       ASSERT_TRUE(rowset == 1 ? stmt.Fetch() : stmt.ExtFetchNext(rows));
       EXPECT_EQ(stmt.GetRow(0), value(array{1, {17, each.expected, 18}}));
+      std::string text = "<";
+      EXPECT_EQ(stmt.append_text(2, 0, text), !each.expected.is_null());
+      EXPECT_EQ(text, "<" + to_text(each.expected));
       EXPECT_EQ(stmt.GetRow(1), rowset == 1 ? value() : value(array{1, {19, null_t{}, 20}}));
     }
   }
@@ -163,6 +166,9 @@ TEST_F(fetch, reads_nothing_outside_the_rowset_and_the_columns) {
   } outside[] = {{0, 0}, {3, 0}, {-1, 0}, {1, 2}, {1, -1}, {1, std::int64_t{1} << 32}};
   for (const auto& each : outside)
     EXPECT_TRUE(stmt.Getc(each.column, each.row).is_empty()) << each.column << ',' << each.row;
+  std::string nothing;
+  for (const auto& each : outside) EXPECT_TRUE(stmt.append_text(each.column, each.row, nothing));
+  EXPECT_EQ(nothing, "");
   for (const std::int64_t row : {-1, 2}) {
     EXPECT_TRUE(stmt.GetRow(row).is_empty());
     EXPECT_EQ(stmt.RowStatus(row), 0);
