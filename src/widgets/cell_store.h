@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The texts of a grid's cells, UTF-8 as they were given, in compact blocks: a block holds a few hundred rows, one
+// string with all their texts (each after its length), and the place of each cell in it. A cell takes five bytes beside
+// its text. Rows can be put into another order without touching the texts. Rows and columns count from 0 and are not
+// checked.
+class cell_store {
+ public:
+  [[nodiscard]] std::size_t rows() const { return rows_; }
+  [[nodiscard]] std::size_t columns() const { return columns_; }
+
+  // Valid until the store is changed.
+  [[nodiscard]] std::string_view at(std::size_t row, std::size_t column) const;
+  void set(std::size_t row, std::size_t column, std::string_view text);
+
+  // Adds empty rows at the end, or drops the last ones.
+  void resize_rows(std::size_t rows);
+  // Adds empty columns at the right, or drops the last ones.
+  void resize_columns(std::size_t columns);
+
+  // Adds the texts of one row at the end, cell by cell from column 0 on: the way to fill a grid fast. Call append_cell
+  // for each of the row's columns after append_row, before anything else is changed; cells not given are empty.
+  void append_row();
+  void append_cell(std::string_view text);
+
+  // Makes room for an empty row in front of a row, or takes a row out.
+  void insert_row(std::size_t before);
+  void erase_row(std::size_t row);
+
+  // Row first + i becomes what row first + order[i] was.
+  void reorder(std::size_t first, const std::vector<std::uint32_t>& order);
+
+ private:
+  struct block {
+    std::string texts;
+    std::vector<std::uint32_t> places;
+    std::size_t dropped = 0;  // bytes of texts that no cell uses any more
+  };
+  struct place {
+    std::size_t block;
+    std::size_t index;
+  };
+
+  // A row's number in the order in which rows were added.
+  [[nodiscard]] std::size_t stored(std::size_t row) const { return order_.empty() ? row : order_[row]; }
+  [[nodiscard]] place place_of(std::size_t row, std::size_t column) const;
+  static void put(block& into, std::size_t index, std::string_view text);
+  static void drop_unused(block& of);
+  void add_stored_rows(std::size_t count);
+  void write_order();
+  // Copies the rows and columns that stay into fresh blocks.
+  void rebuild(std::size_t rows, std::size_t columns);
+
+  std::size_t rows_ = 0;
+  std::size_t columns_ = 0;
+  std::size_t stored_rows_ = 0;
+  std::size_t next_cell_ = 0;  // of the last row, for append_cell
+  std::vector<block> blocks_;
+  std::vector<std::uint32_t> order_;  // empty while rows stand as they were added
+};
