@@ -162,10 +162,8 @@ bool bind_values(odbcstmt& statement, std::span<const value> values, bool is_cal
   if (!is_call) {
     if (statement.BindV(values)) return true;
     if (statement.last_error() == error_number(odbc_fault::text_not_sendable)) {
-      show_user_error(
-          fmt::format("A value holds a zero byte or a character that the code page {} lacks, so it can not "
-                      "be sent.",
-                      current_code_page().name()));
+      show_user_error(fmt::format("A value holds a character that the code page {} lacks, so it can not be sent.",
+                                  current_code_page().name()));
     } else {
       statement.Errd();
     }

@@ -15,11 +15,11 @@
 struct parameter_row {
   int number = 0;  // from 1
   int sql_type = 0;
-  std::string type_name;
+  std::string type_name{};
   bool nullable = false;
   std::uint64_t precision = 0;
   int scale = 0;
-  std::string text;
+  std::string text{};
 };
 
 // What is told when a marker has a type that no value can be typed for (LONG VARCHAR, binary types and the like).

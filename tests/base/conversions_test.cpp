@@ -109,6 +109,46 @@ TEST(conversions, parse_date_reads_these_forms_and_no_others) {
   }
 }
 
+TEST(conversions, an_ambiguous_date_is_read_in_the_order_asked_for) {
+  const scoped_locale_forms forms(british);
+  const struct {
+    const char* text;
+    const char* month_first;
+    const char* locale_first;
+  } cases[] = {{"05/04/2001", "2001-05-04", "2001-04-05"},
+               {"05/04/01 13:45", "2001-05-04 13:45:00", "2001-04-05 13:45:00"},
+               {"17/05/2001", "2001-05-17", "2001-05-17"},
+               {"05/17/2001", "2001-05-17", "2001-05-17"},
+               {"2001-05-04", "2001-05-04", "2001-05-04"}};
+  for (const auto& each : cases) {
+    EXPECT_EQ(to_text(parse_date(each.text, date_order::month_first).value_or(date_time{})), each.month_first);
+    EXPECT_EQ(to_text(parse_date(each.text, date_order::locale_first).value_or(date_time{})), each.locale_first);
+  }
+}
+
+TEST(conversions, short_dates_read_back_as_their_day) {
+  const date_time moment{37015, 49530};  // 2001-05-04
+  EXPECT_EQ(month_first_text(moment), "05/04/2001");
+  const struct {
+    const char* form;
+    date_time moment;
+    const char* text;
+  } cases[] = {{"%d.%m.%Y", moment, "04.05.2001"},
+               {"%d/%m/%y", moment, "04/05/01"},
+               {"%a %d.%m.%Y", moment, "Fri 04.05.2001"},
+               {"%d/%m/%y", {-14'000, 0}, "1861-08-31"},  // two digits would read as another century
+               {"%m/%Y", moment, "2001-05-04"},
+               {"\xFF%d.%m.%Y", moment, "2001-05-04"},
+               {"", moment, "2001-05-04"}};
+  for (const auto& each : cases) {
+    const scoped_locale_forms forms({{}, each.form});
+    EXPECT_EQ(short_date_text(each.moment), each.text);
+    EXPECT_EQ(parse_date(each.text, date_order::locale_first), (date_time{each.moment.days, 0})) << each.text;
+  }
+  EXPECT_EQ(parse_time_of_day("13.45.30"), (date_time{0, 49530}));
+  EXPECT_EQ(parse_time_of_day("25:00"), std::nullopt);
+}
+
 TEST(conversions, values_convert_pass_errors_and_leave_empty_behind) {
   const date_time moment{37028, 43200};
   const struct {
