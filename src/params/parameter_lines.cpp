@@ -31,6 +31,7 @@ QString name_of(int position, int k) { return QString("%1_%2").arg(columns[posit
 parameter_lines::parameter_lines(QWidget* parent) : QWidget(parent), pS(new QScrollBar(Qt::Vertical, this)) {
   auto* grid = new QGridLayout(this);
   grid->setContentsMargins(0, 0, 0, 0);
+  grid->setHorizontalSpacing(10);  // titles as wide as their boxes must not run together
   grid->setColumnStretch(value_position, 1);
   for (int position = 0; position <= value_position; ++position) {
     auto* title = new QLabel(columns[position].title, this);
@@ -104,7 +105,7 @@ void parameter_lines::RePaintME() {
 }
 
 void parameter_lines::show_line(int k) {
-  const auto at = static_cast<std::size_t>(top_ + k);
+  const std::size_t at = row_of(k);
   if (at >= table_.size()) return;
   const line& each = lines_[static_cast<std::size_t>(k)];
   const parameter_row row = table_[at];
@@ -127,7 +128,7 @@ void parameter_lines::pS_Change() {
 }
 
 void parameter_lines::BindData_Change(int k) {
-  const auto at = static_cast<std::size_t>(top_ + k);
+  const std::size_t at = row_of(k);
   if (values_ == value_column::editable && at < table_.size()) table_[at].text = box(k)->text().toStdString();
 }
 

@@ -58,6 +58,8 @@ class parameter_lines : public QWidget {
   void page(int by, int k);
   void adopt_font();
   void adopt_palette();
+  // The table's row that a line shows.
+  [[nodiscard]] std::size_t row_of(int k) const { return static_cast<std::size_t>(top_) + static_cast<std::size_t>(k); }
   [[nodiscard]] value_box* box(int k) const { return lines_[static_cast<std::size_t>(k)].BindData; }
 
   std::array<line, line_count> lines_;
