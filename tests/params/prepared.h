@@ -18,16 +18,18 @@ inline std::vector<scripted::parameter> integers(int count) {
 
 // A connection to an engine, for statements with markers; the day is 2001-05-17.
 class prepared_test : public testing::Test {
+ public:
+  ~prepared_test() override {
+    EXPECT_TRUE(con.Free() || con.Disconnect());
+    EXPECT_TRUE(ODBCD::odbc_free_env());
+  }
+
  protected:
   prepared_test() : prepared_test({"scripted", "SCRIPTED", "TESTER", "SECRET"}) {}
   explicit prepared_test(const engine& which) {
     scripted::control().reset();
     EXPECT_TRUE(ODBCD::odbc_alloc_env());
     connect_to(con, which);
-  }
-  ~prepared_test() override {
-    EXPECT_TRUE(con.Free() || con.Disconnect());
-    EXPECT_TRUE(ODBCD::odbc_free_env());
   }
   // A new statement on the scripted driver whose text has these markers.
   std::shared_ptr<odbcstmt> prepared(std::vector<scripted::parameter> markers, bool is_call = false,

@@ -10,6 +10,13 @@ namespace {
 
 // Two documents in a frame.
 class waiting : public prepared_test {
+ public:
+  ~waiting() override {
+    delete frame;
+    settle();
+    EXPECT_EQ(open_form<fBindParms>(), nullptr);
+  }
+
  protected:
   waiting() { open_frame(); }
   void open_frame() {
@@ -21,11 +28,6 @@ class waiting : public prepared_test {
       area->addSubWindow(each)->setAttribute(Qt::WA_DeleteOnClose);
     }
     frame->show();
-  }
-  ~waiting() override {
-    delete frame;
-    settle();
-    EXPECT_EQ(open_form<fBindParms>(), nullptr);
   }
   // Runs an action once a dialog is open and the wait processes events.
   static void once_open(const std::function<void(fBindParms*)>& action) {
