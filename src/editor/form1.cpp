@@ -9,6 +9,7 @@
 
 #include "base/files.h"
 #include "base/user_interface.h"
+#include "datawindow/datawindow.h"
 #include "editor/statement_text.h"
 #include "params/fbindparms.h"
 #include "params/fshowparms.h"
@@ -253,8 +254,14 @@ void form1::show_returned_parameters(const std::shared_ptr<odbcstmt>& statement)
   ::show_returned_parameters(this, statement);
 }
 
-bool form1::data_window_wanted() const { return false; }
-void form1::open_data_window(const std::string&, const std::shared_ptr<odbcstmt>&, std::int64_t) {}
+bool form1::data_window_wanted() const { return ui_->data_window->isChecked(); }
+
+void form1::open_data_window(const std::string& text, const std::shared_ptr<odbcstmt>& statement, std::int64_t rows) {
+  const std::shared_ptr<DataWindow> window = DataWindow::open(host_);
+  window->SetStatement(text, statement);
+  window->SetHeaders();
+  window->FetchFirst(rows);
+}
 
 void form1::set_panel(panel which, const std::string& text) {
   ui_->mSB->set_text(static_cast<int>(which), QString::fromStdString(text));

@@ -5,9 +5,11 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include "datawindow/dwf.h"
 #include "params/fbindparms.h"
 #include "params/fshowparms.h"
 #include "support/desktop.h"
+#include "widgets/flexgrid.h"
 
 using texts = std::vector<std::string>;
 
@@ -225,6 +227,36 @@ TEST(form1_run, settings_are_read_at_every_run) {
   session::speed_test_rows = 99;
   action_of(document, "exe_current")->trigger();
   EXPECT_EQ(panels_of(document), "Fetching 99 target rows|t|t|0.00000|0.00000|0|0.00000");
+}
+
+TEST(form1_run, rows_go_to_a_window_of_their_own_where_the_document_wants_them) {
+  desktop at(sqlite());
+  form1* document = at.new_document();
+  form1* other = at.new_document();
+  action_of(document, "data_window")->trigger();
+  EXPECT_FALSE(action_of(other, "data_window")->isChecked());
+  const std::string query =
+      "with recursive r(n) as (select 1 union all select n + 1 from r where n < 1200) select n from r;";
+  const auto windows = [&] { return at.frame->findChildren<dwf*>(); };
+  put_text(other, query);
+  action_of(other, "exe_current")->trigger();
+  EXPECT_TRUE(windows().isEmpty());
+  put_text(document, query + "select 1 where 1 = 0;");
+  action_of(document, "exe_all")->trigger();
+  EXPECT_EQ(panels_of(document), "Status...|t|t|t|0.00000|0|t");
+  ASSERT_EQ(windows().size(), 2);
+  EXPECT_EQ(windows()[0]->grid().Rows(), 501);
+  EXPECT_EQ(windows()[1]->grid().Rows(), 1) << "an empty result shows its header";
+
+  put_text(document, query);
+  action_of(document, "exe_current")->trigger();
+  ASSERT_EQ(windows().size(), 3);
+  dwf* shown = windows()[2];
+  window_of(document)->close();
+  settle();
+  QTest::keyClick(&shown->grid(), Qt::Key_End, Qt::ControlModifier);
+  EXPECT_EQ(shown->grid().Rows(), 501) << "what is shown outlives the document, and no more is fetched";
+  EXPECT_EQ(at.ui.take_texts(), texts{});
 }
 
 TEST(form1_run, commit_and_rollback_are_the_users) {
