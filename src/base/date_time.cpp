@@ -3,20 +3,10 @@
 #include <fmt/format.h>
 
 #include <chrono>
-#include <iterator>
 
 namespace {
 
 constexpr std::chrono::sys_days epoch{std::chrono::year{1899} / 12 / 30};
-
-void append_two_digits(int number, std::string& out) {
-  if (number < 0 || number > 99) {
-    fmt::format_to(std::back_inserter(out), "{:02}", number);
-    return;
-  }
-  out += static_cast<char>('0' + number / 10);
-  out += static_cast<char>('0' + number % 10);
-}
 
 }  // namespace
 
@@ -57,30 +47,9 @@ date_fields fields_of(date_time moment) {
 }
 
 std::string to_text(date_time moment) {
-  std::string text;
-  append_text(moment, text);
-  return text;
-}
-
-void append_text(date_time moment, std::string& out) {
   const date_fields at = fields_of(moment);
-  if (moment.days != 0) {
-    if (at.year >= 0 && at.year <= 9999) {
-      append_two_digits(at.year / 100, out);
-      append_two_digits(at.year % 100, out);
-    } else {
-      fmt::format_to(std::back_inserter(out), "{:04}", at.year);
-    }
-    out += '-';
-    append_two_digits(at.month, out);
-    out += '-';
-    append_two_digits(at.day, out);
-    if (moment.seconds == 0) return;
-    out += ' ';
-  }
-  append_two_digits(at.hour, out);
-  out += ':';
-  append_two_digits(at.minute, out);
-  out += ':';
-  append_two_digits(at.second, out);
+  if (moment.days == 0) return fmt::format("{:02}:{:02}:{:02}", at.hour, at.minute, at.second);
+  std::string date = fmt::format("{:04}-{:02}-{:02}", at.year, at.month, at.day);
+  if (moment.seconds == 0) return date;
+  return fmt::format("{} {:02}:{:02}:{:02}", date, at.hour, at.minute, at.second);
 }

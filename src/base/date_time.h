@@ -40,5 +40,3 @@ date_fields fields_of(date_time moment);
 // ISO text: "2001-05-17", "13:45:30", "2001-05-17 13:45:30". Midnight drops the time, day zero the date;
 // midnight of day zero is "00:00:00".
 std::string to_text(date_time moment);
-// The same text at the end of `out`.
-void append_text(date_time moment, std::string& out);

@@ -8,6 +8,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
+#include <optional>
 
 namespace {
 
@@ -82,29 +84,71 @@ std::string number_text(double number) {
   return fmt::format("{:.15G}", number);
 }
 
-// A number that is a whole count of ten-thousandths, or of a coarser unit, with at most 15 digits is written from that
-// count: it is the nearest double to that decimal, so 15 significant digits give the decimal back.
+namespace {
+
+constexpr std::array<std::int64_t, 19> powers_of_ten = [] {
+  std::array<std::int64_t, 19> powers{1};
+  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
+  return powers;
+}();
+
+// The 15 significant digits of a magnitude from 0.0001 to 10^15 as an integer that is to be divided by ten to the power
+// `decimals`; nothing where they can not be told for sure. A long double of 64 bits holds the powers of ten exactly, so
+// the product is wrong by at most 2^-14, and only a product that near to a half could be rounded wrongly.
+struct scaled_digits {
+  std::int64_t digits = 0;
+  int decimals = 0;
+};
+std::optional<scaled_digits> fifteen_digits(double magnitude) {
+  if (std::numeric_limits<long double>::digits < 64 || !(magnitude >= 1e-4 && magnitude < 1e15)) return std::nullopt;
+  int decimals = significant_digits + 3;
+  if (magnitude >= 1) {
+    decimals = significant_digits - 1;
+    while (decimals > 0 && magnitude >= static_cast<double>(powers_of_ten[static_cast<std::size_t>(15 - decimals)]))
+      --decimals;
+  } else {
+    for (double least = 1e-3; magnitude >= least && decimals > significant_digits; least *= 10) --decimals;
+  }
+  const long double product =
+      static_cast<long double>(magnitude) * static_cast<long double>(powers_of_ten[static_cast<std::size_t>(decimals)]);
+  const auto whole = static_cast<std::int64_t>(product);
+  const long double rest = product - static_cast<long double>(whole);
+  constexpr long double doubt = 1.0L / 4096;
+  if (rest > 0.5L - doubt && rest < 0.5L + doubt) return std::nullopt;
+  const std::int64_t digits = whole + (rest > 0.5L ? 1 : 0);
+  // One more digit than are significant: the estimate of the size was wrong at its edge, or the rounding carried.
+  if (digits >= powers_of_ten[significant_digits]) return std::nullopt;
+  return scaled_digits{digits, decimals};
+}
+
+}  // namespace
+
 void append_number_text(double number, std::string& out) {
-  constexpr double most = 999'999'999'999'999.0;
-  constexpr std::array<double, 5> units{1, 10, 100, 1'000, 10'000};
-  for (std::size_t decimals = 0; decimals < units.size() && number != 0; ++decimals) {
-    const double scaled = std::nearbyint(number * units[decimals]);
-    if (!(std::fabs(scaled) <= most)) break;
-    if (scaled / units[decimals] != number) continue;
-    std::array<char, 24> digits{};
-    const auto magnitude = static_cast<std::int64_t>(std::fabs(scaled));
-    const auto unit = static_cast<std::int64_t>(units[decimals]);
-    if (number < 0) out += '-';
-    char* end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude / unit).ptr;
-    out.append(digits.data(), end);
-    if (decimals == 0) return;
-    // The unit in front keeps the zeros that lead the decimals.
-    end = std::to_chars(digits.data(), digits.data() + digits.size(), unit + magnitude % unit).ptr;
-    digits[0] = '.';
-    out.append(digits.data(), end);
+  const double magnitude = std::fabs(number);
+  std::array<char, 24> text{};
+  if (magnitude < 1e15 && magnitude == std::trunc(magnitude)) {
+    const auto whole = static_cast<std::int64_t>(number);
+    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), whole).ptr);
     return;
   }
-  out += number_text(number);
+  auto scaled = fifteen_digits(magnitude);
+  if (!scaled) {
+    out += number_text(number);
+    return;
+  }
+  while (scaled->decimals > 0 && scaled->digits % 10 == 0) {
+    scaled->digits /= 10;
+    --scaled->decimals;
+  }
+  if (number < 0) out += '-';
+  const auto decimals = static_cast<std::size_t>(scaled->decimals);
+  const std::int64_t unit = powers_of_ten[decimals];
+  out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), scaled->digits / unit).ptr);
+  if (decimals == 0) return;
+  char* const end = std::to_chars(text.data(), text.data() + text.size(), scaled->digits % unit).ptr;
+  out += '.';
+  out.append(decimals - static_cast<std::size_t>(end - text.data()), '0');
+  out.append(text.data(), end);
 }
 
 std::string number_text(float number) {

@@ -78,14 +78,8 @@ bool odbcstmt::append_text(int column_number, std::int64_t row, std::string& out
     case SQL_C_DOUBLE:
       append_number_text(cfgetf(bytes), out);
       break;
-    default: {
-      const value moment = moment_cell(at.ctype, bytes, impossible_date);
-      if (const auto* read = moment.get<date_time>()) {
-        ::append_text(*read, out);
-      } else {
-        out += to_text(moment);
-      }
-    }
+    default:
+      append_moment_cell(at.ctype, bytes, impossible_date, out);
   }
   return true;
 }

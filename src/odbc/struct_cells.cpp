@@ -1,5 +1,7 @@
 #include "odbc/struct_cells.h"
 
+#include <array>
+
 #include "base/text.h"
 
 namespace {
@@ -44,6 +46,66 @@ value moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_value imp
   if (!date || ctype == SQL_C_DATE) return date ? value(*date) : value(impossible);
   const auto time = make_time(word(bytes, 3), word(bytes, 4), word(bytes, 5));
   return time ? value(*date + *time) : value(impossible);
+}
+
+namespace {
+
+bool within(int number, int least, int most) { return number >= least && number <= most; }
+
+char* write_two_digits(int number, char* to) {
+  *to++ = static_cast<char>('0' + number / 10);
+  *to++ = static_cast<char>('0' + number % 10);
+  return to;
+}
+
+char* write_date(const unsigned char* bytes, char* to) {
+  to = write_two_digits(word(bytes, 0) / 100, to);
+  to = write_two_digits(word(bytes, 0) % 100, to);
+  for (const std::size_t field : {1U, 2U}) {
+    *to++ = '-';
+    to = write_two_digits(word(bytes, field), to);
+  }
+  return to;
+}
+
+char* write_time(const unsigned char* bytes, std::size_t first_word, char* to) {
+  for (const std::size_t field : {0U, 1U, 2U}) {
+    if (field > 0) *to++ = ':';
+    to = write_two_digits(word(bytes, first_word + field), to);
+  }
+  return to;
+}
+
+// Days and times of day whose text is just their fields: after the epoch's century, and without the end of a day or
+// leap seconds, which carry.
+bool is_plain_date(const unsigned char* bytes) {
+  return within(word(bytes, 0), 1900, 9999) && within(word(bytes, 1), 1, 12) && within(word(bytes, 2), 1, 28);
+}
+bool is_plain_time(const unsigned char* bytes, std::size_t first_word) {
+  return within(word(bytes, first_word), 0, 23) && within(word(bytes, first_word + 1), 0, 59) &&
+         within(word(bytes, first_word + 2), 0, 59);
+}
+
+}  // namespace
+
+void append_moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_value impossible, std::string& out) {
+  const bool dated = ctype != SQL_C_TIME;
+  const bool timed = ctype != SQL_C_DATE;
+  const std::size_t time_at = dated ? 3 : 0;
+  if ((dated && !is_plain_date(bytes)) || (timed && !is_plain_time(bytes, time_at))) {
+    out += to_text(moment_cell(ctype, bytes, impossible));
+    return;
+  }
+  std::array<char, 20> text{};
+  char* end = text.data();
+  if (dated) end = write_date(bytes, end);
+  const bool midnight =
+      timed && word(bytes, time_at) == 0 && word(bytes, time_at + 1) == 0 && word(bytes, time_at + 2) == 0;
+  if (timed && !(dated && midnight)) {
+    if (dated) *end++ = ' ';
+    end = write_time(bytes, time_at, end);
+  }
+  out.append(text.data(), end);
 }
 
 void put_date_cell(unsigned char* bytes, date_time moment) {

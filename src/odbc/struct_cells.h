@@ -16,5 +16,8 @@ void append_trimmed_cell_text(const unsigned char* bytes, std::size_t width, SQL
 // it names none.
 value moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_value impossible);
 
+// The text of that value at the end of `out`.
+void append_moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_value impossible, std::string& out);
+
 void put_date_cell(unsigned char* bytes, date_time moment);
 void put_timestamp_cell(unsigned char* bytes, date_time moment);

@@ -11,6 +11,7 @@
 #include "widgets/grid_cell_painter.h"
 #include "widgets/grid_model.h"
 #include "widgets/grid_text.h"
+#include "widgets/row_header.h"
 #include "widgets/twips.h"
 
 namespace {
@@ -32,7 +33,8 @@ void append_clip_cell(std::string_view text, std::string& out) {
 }  // namespace
 
 flexgrid::flexgrid(QWidget* parent)
-    : QTableView(parent), model_(new grid_model(this)), painter_(new grid_cell_painter(*model_, this)) {
+    : QTableView(parent), model_(new grid_model(this)), painter_(new grid_cell_painter(*model_, this)),
+      row_header_(new row_header(this)) {
   setModel(model_);
   setItemDelegate(painter_);
   setShowGrid(false);  // the painter draws the lines, which merged cells do not have
@@ -44,7 +46,7 @@ flexgrid::flexgrid(QWidget* parent)
   horizontalHeader()->setMinimumSectionSize(0);
   horizontalHeader()->setDefaultSectionSize(twips_to_pixels(default_column_width, *this));
   horizontalHeader()->hide();
-  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  setVerticalHeader(row_header_);
   verticalHeader()->hide();
   fit_row_height();
   connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int section, int, int pixels) {
@@ -145,7 +147,6 @@ void flexgrid::publish() {
   place_current();
   // The scroll bar's range follows at once: whoever asks whether it stands at its end gets the truth.
   executeDelayedItemsLayout();
-  updateGeometries();
 }
 
 // After a reset the view has forgotten its current cell; the grid has not.
@@ -265,7 +266,7 @@ void flexgrid::fit_fixed_column() {
     widest_fixed_ = std::max(widest_fixed_, cells().at(measured_rows_, 0).size());
   }
   const int needed = fontMetrics().horizontalAdvance(QString(static_cast<qsizetype>(widest_fixed_) + 2, '0'));
-  verticalHeader()->setFixedWidth(qMax(twips_to_pixels(column_width(0), *this), qMin(needed, width() / 2)));
+  row_header_->set_width(qMax(twips_to_pixels(column_width(0), *this), qMin(needed, width() / 2)));
 }
 
 void flexgrid::set_alignment(int column, Qt::Alignment alignment) {

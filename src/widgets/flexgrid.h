@@ -7,6 +7,7 @@
 
 class grid_cell_painter;
 class grid_model;
+class row_header;
 
 // A grid of texts addressed by row and column, counted from 0. The first row and the first column can be fixed: they
 // stay in view as headers while the rest scrolls. There is a current cell, and a selection that reaches from it to the
@@ -121,6 +122,7 @@ class flexgrid : public QTableView {
 
   grid_model* model_;
   grid_cell_painter* painter_;
+  row_header* row_header_;
   int row_ = 0;
   int column_ = 0;
   bool redraw_ = true;

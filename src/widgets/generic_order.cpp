@@ -5,6 +5,7 @@
 #include <cstring>
 #include <numeric>
 #include <optional>
+#include <utility>
 
 #include "base/conversions.h"
 
@@ -55,18 +56,24 @@ struct number_key {
   std::uint32_t row;
 };
 
-// A stable radix sort in four passes of 16 bits; a pass whose digit is the same everywhere is left out.
+// A stable radix sort in six passes of 11 bits, whose counters fit into a processor's nearest memory. A pass whose
+// digit is the same everywhere is left out.
 void sort_numbers(std::vector<number_key>& keys) {
-  constexpr std::size_t digit_values = std::size_t{1} << 16U;
+  constexpr unsigned digit_bits = 11;
+  constexpr unsigned passes = 6;
+  constexpr std::uint64_t digit_mask = (1U << digit_bits) - 1;
+  std::vector<std::array<std::uint32_t, digit_mask + 1>> counts(passes);
+  for (const number_key& each : keys) {
+    for (unsigned pass = 0; pass < passes; ++pass) ++counts[pass][each.bits >> pass * digit_bits & digit_mask];
+  }
   std::vector<number_key> other(keys.size());
-  std::vector<std::uint32_t> starts(digit_values);
-  for (unsigned shift = 0; shift < 64; shift += 16) {
-    std::fill(starts.begin(), starts.end(), 0U);
-    for (const number_key& each : keys) ++starts[each.bits >> shift & (digit_values - 1)];
-    if (starts[keys.front().bits >> shift & (digit_values - 1)] == keys.size()) continue;
+  for (unsigned pass = 0; pass < passes; ++pass) {
+    const auto digit = [shift = pass * digit_bits](const number_key& of) { return of.bits >> shift & digit_mask; };
+    auto& starts = counts[pass];
+    if (starts[digit(keys.front())] == keys.size()) continue;
     std::uint32_t start = 0;
     for (std::uint32_t& each : starts) start += std::exchange(each, start);
-    for (const number_key& each : keys) other[starts[each.bits >> shift & (digit_values - 1)]++] = each;
+    for (const number_key& each : keys) other[starts[digit(each)]++] = each;
     keys.swap(other);
   }
 }

@@ -107,6 +107,10 @@ TEST_F(fetch, cells_become_values) {
                {{"T", SQL_TIME, 8}, TIME_STRUCT{24, 0, 0}, date_time{0, 86400}},
                {stamp, TIMESTAMP_STRUCT{2001, 5, 17, 13, 45, 30, 123456000}, date_time{37028, 49530}},
                {stamp, TIMESTAMP_STRUCT{2001, 5, 17, 24, 0, 0, 0}, date_time{37029, 0}},
+               {stamp, TIMESTAMP_STRUCT{2001, 5, 17, 0, 0, 0, 999}, date_time{37028, 0}},
+               {stamp, TIMESTAMP_STRUCT{2001, 5, 31, 1, 2, 61, 0}, date_time{37042, 3781}},
+               {stamp, TIMESTAMP_STRUCT{1899, 12, 30, 13, 45, 30, 0}, date_time{0, 49530}},
+               {{"T", SQL_TIME, 8}, TIME_STRUCT{0, 0, 0}, date_time{0, 0}},
                {stamp, nullptr, null_t{}}});
 }
 
