@@ -17,6 +17,9 @@ class mdi_host {
   virtual void fill_window_list(QMenu& menu) = 0;
   virtual void show_help() = 0;
   virtual void show_about() = 0;
+  // The options panel and the AS/400 job window. Both are modal and return when they are closed.
+  virtual void show_options() = 0;
+  virtual void show_job_settings() = 0;
 };
 
 // A child of the frame with menus of its own, which stand in the frame's menu bar while it is active.

@@ -65,7 +65,7 @@ void frmLogin::Command1_Click() {
     ui_->pwd->selectAll();
     return;
   }
-  frame_ = new MainMdi(command_line_);
+  frame_ = new MainMdi(store_, command_line_);
   frame_->show();
   frame_->MDIForm_Load();
   hide();

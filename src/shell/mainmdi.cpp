@@ -31,8 +31,8 @@ enum frame_panel : int { messages = 1, date = 2, time_of_day = 3 };
 
 }  // namespace
 
-MainMdi::MainMdi(std::string command_line)
-    : ui_(std::make_unique<Ui::MainMdi>()), command_line_(std::move(command_line)) {
+MainMdi::MainMdi(settings_store& store, std::string command_line)
+    : ui_(std::make_unique<Ui::MainMdi>()), store_(store), command_line_(std::move(command_line)) {
   ui_->setupUi(this);
   setAttribute(Qt::WA_DeleteOnClose);
   ui_->MDIsb->add_panel("Program Messages", {}, 1);
@@ -161,5 +161,9 @@ void MainMdi::mnuMdiOpen_Click() { form1::open_new(*this, "Untitled")->load_Clic
 void MainMdi::mnuTest_Click() { run_insert_test(session::g_con); }
 
 void MainMdi::show_help() { show_help_contents(this); }
+
+void MainMdi::show_options() {}
+
+void MainMdi::show_job_settings() {}
 
 void MainMdi::show_about() { show_about_box(this, session::g_con); }

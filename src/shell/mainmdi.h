@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/mdi_host.h"
+#include "shell/settings.h"
 
 namespace Ui {
 class MainMdi;
@@ -17,8 +18,9 @@ class MainMdi : public QMainWindow, public mdi_host {
   Q_OBJECT
 
  public:
-  // `command_line` is the text of the program's arguments.
-  explicit MainMdi(std::string command_line);
+  // `store` takes what the options panel saves and must outlive the frame; `command_line` is the text of the program's
+  // arguments.
+  MainMdi(settings_store& store, std::string command_line);
   ~MainMdi() override;
 
   // Opens the documents that the command line names.
@@ -28,6 +30,8 @@ class MainMdi : public QMainWindow, public mdi_host {
   void fill_window_list(QMenu& menu) override;
   void show_help() override;
   void show_about() override;
+  void show_options() override;
+  void show_job_settings() override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -44,6 +48,7 @@ class MainMdi : public QMainWindow, public mdi_host {
   void show_date_and_time();
 
   std::unique_ptr<Ui::MainMdi> ui_;
+  settings_store& store_;
   std::string command_line_;
   QList<QAction*> own_menus_;
   QTimer clock_;

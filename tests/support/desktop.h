@@ -13,6 +13,7 @@
 #include "editor/sql_text_box.h"
 #include "platform/file_dialogs.h"
 #include "shell/mainmdi.h"
+#include "support/memory_store.h"
 #include "support/recording_user_interface.h"
 #include "support/session_scope.h"
 #include "widgets/status_panels.h"
@@ -59,7 +60,7 @@ inline std::string plain(const QString& text) { return text.toStdString(); }
 class desktop {
  public:
   explicit desktop(const engine& which, const std::string& command_line = {})
-      : session_(which), frame(new MainMdi(command_line)) {
+      : session_(which), frame(new MainMdi(store, command_line)) {
     frame->show();
     frame->MDIForm_Load();
     settle();
@@ -87,6 +88,7 @@ class desktop {
 
   recording_user_interface ui;
   answered_dialogs dialogs;
+  memory_store store;  // what the windows save
 
  private:
   session_scope session_;
