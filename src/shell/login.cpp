@@ -36,8 +36,7 @@ bool configure_connection() {
 
 void remember(settings_store& store, const std::string& data_source, const std::string& user) {
   std::string why;
-  if (store.write(settings::section, settings::key::data_source, data_source, why) &&
-      store.write(settings::section, settings::key::user, user, why)) {
+  if (store.write(settings::section, {{settings::key::data_source, data_source}, {settings::key::user, user}}, why)) {
     return;
   }
   show_message({"The data source and user could not be saved for the next login.",

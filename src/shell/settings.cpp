@@ -29,8 +29,8 @@ struct flag_setting {
 };
 
 const std::array text_settings{
-    text_setting{key::jobinfo_proc, &session::jobinfo_proc, "RETJOBINFO"},
-    text_setting{key::jobinfo_lib, &session::jobinfo_lib, "TOOLLIB"},
+    text_setting{key::jobinfo_proc, &session::jobinfo_proc, default_jobinfo_proc},
+    text_setting{key::jobinfo_lib, &session::jobinfo_lib, default_jobinfo_lib},
 };
 const std::array number_settings{
     number_setting{key::ext_fetch_rows, &session::ext_fetch_rows, 500},
@@ -84,6 +84,7 @@ std::string read_text(const settings_store& store, std::string_view key) {
 
 void load_into_session(const settings_store& store, const std::string& program_dir) {
   session::settings_notes.clear();
+  if (const std::string trouble = store.trouble(); !trouble.empty()) session::settings_notes.push_back(trouble);
   const auto as_it_is = [](const std::string& text) { return std::optional(text); };
   for (const text_setting& each : text_settings) load(store, each, as_it_is);
   load(store, text_setting{key::database_dir, &session::database_dir, program_dir}, as_it_is);

@@ -3,6 +3,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+// A key of the store and the text to keep under it.
+struct setting_text {
+  std::string_view key;
+  std::string text;
+};
 
 // Where user preferences live between runs: text values of one application, addressed by section and key. Nothing is
 // ever deleted.
@@ -11,8 +18,11 @@ class settings_store {
   virtual ~settings_store() = default;
   // Nothing when the key is absent.
   [[nodiscard]] virtual std::optional<std::string> read(std::string_view section, std::string_view key) const = 0;
-  // False when the value could not be stored; `why` then says so in the system's words.
-  virtual bool write(std::string_view section, std::string_view key, std::string_view text, std::string& why) = 0;
+  // Stores the texts in their order, all of them or none. False when they could not be stored; `why` then says so in
+  // the system's words.
+  virtual bool write(std::string_view section, const std::vector<setting_text>& texts, std::string& why) = 0;
+  // Why nothing can be read although something is there; "" while all is well.
+  [[nodiscard]] virtual std::string trouble() const { return {}; }
 };
 
 namespace settings {
@@ -35,13 +45,16 @@ inline constexpr std::string_view autocommit_on = "AutoCommitState";
 inline constexpr std::string_view isolation_level = "IsolationLevel";
 }  // namespace key
 
+inline constexpr std::string_view default_jobinfo_proc = "RETJOBINFO";
+inline constexpr std::string_view default_jobinfo_lib = "TOOLLIB";
+
 // The store of a program that keeps nothing: every key is absent.
 class no_store final : public settings_store {
  public:
   [[nodiscard]] std::optional<std::string> read(std::string_view, std::string_view) const override {
     return std::nullopt;
   }
-  bool write(std::string_view, std::string_view, std::string_view, std::string&) override { return true; }
+  bool write(std::string_view, const std::vector<setting_text>&, std::string&) override { return true; }
 };
 
 // A text of the section, "" when absent.

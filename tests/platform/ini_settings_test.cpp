@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <QSettings>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QFileInfo>
+#include <QLockFile>
 
 #include "support/temporary_folder.h"
 
@@ -13,7 +17,7 @@ using found = std::optional<std::string>;
 class ini_settings_test : public testing::Test {
  protected:
   bool write(ini_settings& into, std::string_view key, std::string_view text) {
-    return into.write("Startup", key, text, why);
+    return into.write("Startup", {{key, std::string(text)}}, why);
   }
 
   const temporary_folder folder;
@@ -57,8 +61,60 @@ TEST_F(ini_settings_test, a_place_that_cannot_be_written_is_told) {
   const std::string below = folder.with("plain", "a file") + "/Sorvane.ini";
   ini_settings nowhere(QString::fromStdString(below));
   EXPECT_FALSE(write(nowhere, "AS400Default", "X"));
-  EXPECT_EQ(why, "The settings file can not be written: " + below);
+  EXPECT_EQ(why.find("The settings file can not be written: " + below), 0U) << why;
   EXPECT_EQ(bytes_of(folder.file("plain")), "a file");
+}
+
+TEST_F(ini_settings_test, a_place_that_cannot_be_read_is_told_and_left_alone) {
+  EXPECT_EQ(store.trouble(), "") << "no file yet";
+  std::filesystem::create_directories(path);
+  EXPECT_EQ(store.trouble(), "The settings file can not be read: " + path + " (Is a directory)");
+  EXPECT_EQ(store.read("Startup", "AS400Default"), found());
+  EXPECT_FALSE(write(store, "AS400Default", "X"));
+  EXPECT_EQ(why, store.trouble());
+}
+
+TEST_F(ini_settings_test, a_save_waits_for_another_ones_lock_but_not_for_ever) {
+  QLockFile held(QString::fromStdString(path) + ".lock");
+  ASSERT_TRUE(held.tryLock(0));
+  EXPECT_FALSE(write(store, "AS400Default", "X"));
+  EXPECT_NE(why.find("another program holds it"), std::string::npos) << why;
+  EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(path)));
+  held.unlock();
+  EXPECT_TRUE(write(store, "AS400Default", "X")) << why;
+  EXPECT_EQ(folder.entries(), 1U) << "no lock is left";
+}
+
+// Programs that save values of one length at the same moment: nothing but the bytes tells that the file has changed.
+TEST_F(ini_settings_test, programs_that_save_at_once_lose_nothing_of_each_other) {
+  constexpr int programs = 3;
+  constexpr int saves = 40;
+  const auto text = [](int number) { return std::to_string(1000 + number); };
+  ASSERT_TRUE(write(store, "AS400Default", "KEPT"));
+  std::vector<pid_t> children;
+  for (int program = 0; program < programs; ++program) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      // Each finds, before its next save, what its last one wrote.
+      bool good = true;
+      const std::string key = "key" + std::to_string(program);
+      for (int i = 0; i < saves && good; ++i) {
+        good = (i == 0 || store.read("Startup", key) == text(i - 1)) && write(store, key, text(i));
+      }
+      _exit(good ? 0 : 1);
+    }
+    children.push_back(child);
+  }
+  for (const pid_t child : children) {
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0) << "a save was refused, or lost to another program";
+  }
+  for (int program = 0; program < programs; ++program) {
+    EXPECT_EQ(store.read("Startup", "key" + std::to_string(program)), found(text(saves - 1)));
+  }
+  EXPECT_EQ(store.read("Startup", "AS400Default"), found("KEPT"));
 }
 
 TEST_F(ini_settings_test, the_users_own_file_unless_the_environment_names_another) {

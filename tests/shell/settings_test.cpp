@@ -51,7 +51,7 @@ TEST_F(settings_test, what_does_not_read_takes_its_default_and_is_noted) {
   store.texts = {{"ExtFetch", "yes"},          {"ExtFetch_NR", "many"},
                  {"DataWindowRows", ""},       {"SpeedTestRows", "99999999999"},
                  {"VarcharReturnChars", "5x"}, {"AutoCommitState", "T\u00dcre"},
-                 {"IsolationLevel", "5"}};
+                 {"IsolationLevel", "7"}};
   load();
   EXPECT_TRUE(session::ext_fetch);
   EXPECT_EQ(session::ext_fetch_rows, 500);

@@ -11,12 +11,17 @@ class memory_store final : public settings_store {
     const auto found = texts.find(std::string(key));
     return section == settings::section && found != texts.end() ? std::optional(found->second) : std::nullopt;
   }
-  bool write(std::string_view, std::string_view key, std::string_view text, std::string& why) override {
+  bool write(std::string_view, const std::vector<setting_text>& given, std::string& why) override {
     why = refuses;
-    if (refuses.empty()) texts[std::string(key)] = text;
-    return refuses.empty();
+    if (!refuses.empty()) return false;
+    for (const setting_text& each : given) {
+      texts[std::string(each.key)] = each.text;
+      written += (written.empty() ? "" : " ") + std::string(each.key);
+    }
+    return true;
   }
 
   std::map<std::string, std::string> texts;
+  std::string written;  // the keys in the order of their writing, joined by blanks
   std::string refuses;
 };
