@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QStyle>
 
+#include "as400/frm400settings.h"
 #include "base/files.h"
 #include "base/user_interface.h"
 #include "editor/form1.h"
@@ -16,6 +17,7 @@
 #include "platform/help_viewer.h"
 #include "shell/about.h"
 #include "shell/command_line.h"
+#include "shell/frmoptions.h"
 #include "shell/insert_test.h"
 #include "shell/session.h"
 #include "ui_mainmdi.h"
@@ -46,6 +48,8 @@ MainMdi::MainMdi(settings_store& store, std::string command_line)
   connect(ui_->mnuMdiOpen, &QAction::triggered, this, &MainMdi::mnuMdiOpen_Click);
   connect(ui_->mnuTest, &QAction::triggered, this, &MainMdi::mnuTest_Click);
   connect(ui_->mnuMdiExit, &QAction::triggered, this, &MainMdi::close);
+  connect(ui_->mnuEnvironmentOptionsPanel, &QAction::triggered, this, &MainMdi::show_options);
+  connect(ui_->mnuEnvironmentDisplay400JobInfo, &QAction::triggered, this, &MainMdi::show_job_settings);
   connect(ui_->mnuHelpContents, &QAction::triggered, this, &MainMdi::show_help);
   connect(ui_->mnuMDIAbout, &QAction::triggered, this, &MainMdi::show_about);
   connect(ui_->mnuWindows, &QMenu::aboutToShow, this, [this] { fill_window_list(*ui_->mnuWindows); });
@@ -162,8 +166,8 @@ void MainMdi::mnuTest_Click() { run_insert_test(session::g_con); }
 
 void MainMdi::show_help() { show_help_contents(this); }
 
-void MainMdi::show_options() {}
+void MainMdi::show_options() { frmOptions::show_modally(store_, this); }
 
-void MainMdi::show_job_settings() {}
+void MainMdi::show_job_settings() { frm400Settings::show_modally(this); }
 
 void MainMdi::show_about() { show_about_box(this, session::g_con); }
