@@ -1,5 +1,6 @@
 #include "as400/frm400settings.h"
 
+#include <QFontDatabase>
 #include <QPointer>
 
 #include "base/user_interface.h"
@@ -27,6 +28,10 @@ constexpr std::array line_boxes{
 
 frm400Settings::frm400Settings(QWidget* owner) : QDialog(owner), ui_(std::make_unique<Ui::frm400Settings>()) {
   ui_->setupUi(this);
+  // Library names come as columns of equal width.
+  for (QPlainTextEdit* list : {ui_->USRLIBL, ui_->SYSLIBL}) {
+    list->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+  }
   connect(ui_->Command1, &QPushButton::clicked, this, &frm400Settings::Command1_Click);
   connect(ui_->Command2, &QPushButton::clicked, this, &frm400Settings::Command2_Click);
 }

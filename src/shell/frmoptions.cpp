@@ -5,8 +5,11 @@
 #include "shell/options.h"
 #include "shell/session.h"
 #include "ui_frmoptions.h"
+#include "widgets/twips.h"
 
 namespace {
+
+constexpr int width_in_twips = 6600;
 
 // The codes of the three isolation buttons.
 enum isolation_code : std::int32_t { cursor_stability = 0, read_uncommitted = 2, read_repeatability = 3 };
@@ -19,6 +22,8 @@ frmOptions::frmOptions(settings_store& store, QWidget* owner)
   connect(ui_->Command1, &QPushButton::clicked, this, &frmOptions::Command1_Click);
   connect(ui_->Command2, &QPushButton::clicked, this, &frmOptions::Command2_Click);
   Form_Load();
+  // Room for a directory's path.
+  resize(sizeHint().expandedTo({twips_to_pixels(width_in_twips, *this), 0}));
 }
 
 frmOptions::~frmOptions() = default;

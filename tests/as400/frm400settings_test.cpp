@@ -65,7 +65,7 @@ TEST_F(frm400settings_test, shows_every_value_beside_its_label) {
       EXPECT_EQ(plain(list->toPlainText()), std::string(name) == "USRLIBL" ? "QGPL      QTEMP     SALES" : "QSYS");
       EXPECT_GT(list->height(), box(window, "JOB")->height());
     }
-    EXPECT_EQ(tab_order(window, 8), "RUNPTY TIMESLICE LOGLVL LOGSEV LOGTYPE Command1 Command2 JOB");
+    EXPECT_EQ(tab_order(window, 8), "LOGLVL LOGSEV LOGTYPE RUNPTY TIMESLICE Command1 Command2 JOB");
   });
   EXPECT_EQ(at.ui.take_texts(), texts{});
 }

@@ -67,6 +67,11 @@ TEST_F(settings_test, what_does_not_read_takes_its_default_and_is_noted) {
   load();
   EXPECT_EQ(session::isolation_level, 2);
   EXPECT_EQ(session::settings_notes.size(), 1U) << "notes are of the last reading";
+
+  store.texts.clear();
+  store.unreadable = "the file is a folder";
+  load();
+  EXPECT_EQ(session::settings_notes, std::vector<std::string>{"the file is a folder"});
 }
 
 TEST_F(settings_test, a_boolean_is_its_text_or_a_number) {

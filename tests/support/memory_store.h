@@ -20,8 +20,10 @@ class memory_store final : public settings_store {
     }
     return true;
   }
+  [[nodiscard]] std::string trouble() const override { return unreadable; }
 
   std::map<std::string, std::string> texts;
   std::string written;  // the keys in the order of their writing, joined by blanks
+  std::string unreadable;
   std::string refuses;
 };
