@@ -57,6 +57,16 @@ TEST_F(ini_settings_test, keys_of_others_stay) {
   EXPECT_EQ(seen.read("Startup", "IsolationLevel"), found("3"));
 }
 
+TEST_F(ini_settings_test, a_change_of_the_same_length_at_the_same_moment_is_seen) {
+  ASSERT_TRUE(write(store, "ExtFetch_NR", "1000"));
+  ASSERT_TRUE(write(store, "IsolationLevel", "2"));
+  const auto moment = std::filesystem::last_write_time(path);
+  write_file(path, "[Startup]\nExtFetch_NR=1000\nIsolationLevel=3\n");
+  std::filesystem::last_write_time(path, moment);
+  ASSERT_TRUE(write(store, "ExtFetch_NR", "500"));
+  EXPECT_EQ(bytes_of(path), "[Startup]\nExtFetch_NR=500\nIsolationLevel=3\n");
+}
+
 TEST_F(ini_settings_test, a_place_that_cannot_be_written_is_told) {
   const std::string below = folder.with("plain", "a file") + "/Sorvane.ini";
   ini_settings nowhere(QString::fromStdString(below));
