@@ -248,10 +248,10 @@ TEST_F(frmoptions_test, debug_mode_is_sent_when_it_changes_whatever_the_server_s
   driver.answer_to(on, {});  // the other is refused
   const std::vector<std::pair<bool, texts>> saves{
       {false, {}}, {true, {on}}, {true, {on}}, {false, {on, off}}, {false, {on, off}}};
-  for (const auto& [wanted, expected] : saves) {
-    save([&](frmOptions& panel) { button(panel, "Check1")->setChecked(wanted); });
-    EXPECT_EQ(session::debug_on, wanted);
-    EXPECT_EQ(sent(), expected);
+  for (const auto& each : saves) {
+    save([&](frmOptions& panel) { button(panel, "Check1")->setChecked(each.first); });
+    EXPECT_EQ(session::debug_on, each.first);
+    EXPECT_EQ(sent(), each.second);
     EXPECT_EQ(driver.open_statements(), 1U) << "only the session's own";
   }
   EXPECT_EQ(driver.executions().size(), 1U);
