@@ -131,10 +131,18 @@ void append_number_text(double number, std::string& out) {
     out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), whole).ptr);
     return;
   }
-  auto scaled = fifteen_digits(magnitude);
+  // Hundredths are the nearest doubles to what they read: 15 digits give that back.
+  const double hundredths = std::nearbyint(magnitude * 100);
+  auto scaled = hundredths < 1e15 && hundredths / 100 == magnitude
+                    ? std::optional(scaled_digits{static_cast<std::int64_t>(hundredths), 2})
+                    : fifteen_digits(magnitude);
   if (!scaled) {
     out += number_text(number);
     return;
+  }
+  if (scaled->decimals >= 8 && scaled->digits % 100'000'000 == 0) {
+    scaled->digits /= 100'000'000;
+    scaled->decimals -= 8;
   }
   while (scaled->decimals > 0 && scaled->digits % 10 == 0) {
     scaled->digits /= 10;

@@ -135,21 +135,19 @@ void DataWindow::fetch_block() {
   RowsFetched += rows;
 }
 
-// The texts go from the statement's buffer into the grid's store by way of one string.
+// The texts go straight from the statement's buffer into the grid's store.
 void DataWindow::append_rows(std::int64_t rows) {
   flexgrid& grid = form_->grid();
   const busy_section busy;
   const int columns = statement_->NCols();
-  std::string text;
   for (std::int64_t row = 0; row < rows; ++row) {
     grid.append_row();
-    text.clear();
-    fmt::format_to(std::back_inserter(text), FMT_COMPILE("{}"), RowsFetched + row + 1);
-    grid.append_cell(text);
+    fmt::format_to(std::back_inserter(grid.open_cell()), FMT_COMPILE("{}"), RowsFetched + row + 1);
+    grid.close_cell();
     for (int column = 1; column <= columns; ++column) {
-      text.clear();
-      if (!statement_->append_text(column, row, text)) text = null_text;
-      grid.append_cell(text);
+      std::string& text = grid.open_cell();
+      if (!statement_->append_text(column, row, text)) text += null_text;
+      grid.close_cell();
     }
   }
 }

@@ -28,6 +28,9 @@ class cell_store {
   // for each of the row's columns after append_row, before anything else is changed; cells not given are empty.
   void append_row();
   void append_cell(std::string_view text);
+  // The same in place: the cell's text is what is put at the end of the string until close_cell.
+  std::string& open_cell();
+  void close_cell();
 
   // Makes room for an empty row in front of a row, or takes a row out.
   void insert_row(std::size_t before);
@@ -61,6 +64,7 @@ class cell_store {
   std::size_t columns_ = 0;
   std::size_t stored_rows_ = 0;
   std::size_t next_cell_ = 0;  // of the last row, for append_cell
+  std::size_t opened_at_ = 0;  // where the text of the open cell begins
   std::vector<block> blocks_;
   std::vector<std::uint32_t> order_;  // empty while rows stand as they were added
 };

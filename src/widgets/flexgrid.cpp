@@ -131,6 +131,9 @@ void flexgrid::append_row() {
 
 void flexgrid::append_cell(std::string_view utf8) { cells().append_cell(utf8); }
 
+std::string& flexgrid::open_cell() { return cells().open_cell(); }
+void flexgrid::close_cell() { cells().close_cell(); }
+
 void flexgrid::shape_changed() {
   if (redraw_) publish();
 }
@@ -145,8 +148,6 @@ void flexgrid::publish() {
   fit_fixed_column();
   show_merging();
   place_current();
-  // The scroll bar's range follows at once: whoever asks whether it stands at its end gets the truth.
-  executeDelayedItemsLayout();
 }
 
 // After a reset the view has forgotten its current cell; the grid has not.
@@ -341,11 +342,14 @@ void flexgrid::keyPressEvent(QKeyEvent* event) {
 
 void flexgrid::wheelEvent(QWheelEvent* event) {
   QTableView::wheelEvent(event);
+  executeDelayedItemsLayout();
   const QScrollBar* bar = verticalScrollBar();
   if (event->angleDelta().y() < 0 && bar->value() == bar->maximum()) emit reached_bottom();
 }
 
+// Rows that came just now may wait for their layout, and the bar for its range.
 void flexgrid::scrolled() {
+  if (verticalScrollBar()->value() == verticalScrollBar()->maximum()) executeDelayedItemsLayout();
   const QScrollBar* bar = verticalScrollBar();
   if (bar->maximum() > 0 && bar->value() == bar->maximum() && !bar->isSliderDown()) emit reached_bottom();
 }

@@ -48,6 +48,9 @@ class flexgrid : public QTableView {
   // is shown at once, so switch it off around a block.
   void append_row();
   void append_cell(std::string_view utf8);
+  // The same without a string of the caller's: a cell's text is what is put at the end of this one until close_cell.
+  std::string& open_cell();
+  void close_cell();
 
   // The current cell, and the end of the selection.
   [[nodiscard]] int row() const { return row_; }

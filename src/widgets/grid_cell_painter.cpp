@@ -53,7 +53,8 @@ void grid_cell_painter::paint(QPainter* painter, const QStyleOptionViewItem& opt
     painter->setPen(text == mark ? between(background, ink, 0.6) : ink);
     const QRect room = cell.adjusted(side_margin, 0, -side_margin, -1);
     const QString shown = option.fontMetrics.elidedText(one_line_text(text), Qt::ElideRight, room.width());
-    painter->drawText(room, static_cast<int>(option.displayAlignment) | Qt::TextSingleLine, shown);
+    painter->drawText(room, static_cast<int>(model_.alignment(column + model_.fixed_columns)) | Qt::TextSingleLine,
+                      shown);
   }
   if (option.state.testFlag(QStyle::State_HasFocus)) {
     painter->setPen(ink);

@@ -28,7 +28,6 @@ Qt::Alignment grid_model::alignment(int grid_column) const {
 
 QVariant grid_model::data(const QModelIndex& index, int role) const {
   if (role == Qt::DisplayRole) return readable_text(text_at(index.row(), index.column()));
-  if (role == Qt::TextAlignmentRole) return QVariant::fromValue(alignment(index.column() + shown_fixed_columns_));
   return {};
 }
 

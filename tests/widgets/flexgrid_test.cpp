@@ -220,6 +220,7 @@ TEST(flexgrid_test, tells_moves_of_the_current_cell_and_the_end_of_scrolling) {
   EXPECT_EQ(ends.size(), 2);
   const int top = bar.value();
   fill_numbers(grid, 200);
+  QApplication::processEvents();
   EXPECT_EQ(bar.value(), top) << "rows at the end do not move what is in view";
   EXPECT_GT(bar.maximum(), top);
   EXPECT_EQ(grid.row(), 99);
