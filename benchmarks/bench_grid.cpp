@@ -48,6 +48,8 @@ class bare_frame final : public mdi_host {
   void fill_window_list(QMenu&) override {}
   void show_help() override {}
   void show_about() override {}
+  void show_options() override {}
+  void show_job_settings() override {}
 
  private:
   QMdiArea area_;

@@ -123,12 +123,16 @@ std::optional<scaled_digits> fifteen_digits(double magnitude) {
 
 }  // namespace
 
+void append_integer(std::int64_t number, std::string& out) {
+  std::array<char, 24> text{};
+  out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr);
+}
+
 void append_number_text(double number, std::string& out) {
   const double magnitude = std::fabs(number);
   std::array<char, 24> text{};
   if (magnitude < 1e15 && magnitude == std::trunc(magnitude)) {
-    const auto whole = static_cast<std::int64_t>(number);
-    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), whole).ptr);
+    append_integer(static_cast<std::int64_t>(number), out);
     return;
   }
   // Hundredths are the nearest doubles to what they read: 15 digits give that back.
@@ -151,7 +155,7 @@ void append_number_text(double number, std::string& out) {
   if (number < 0) out += '-';
   const auto decimals = static_cast<std::size_t>(scaled->decimals);
   const std::int64_t unit = powers_of_ten[decimals];
-  out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), scaled->digits / unit).ptr);
+  append_integer(scaled->digits / unit, out);
   if (decimals == 0) return;
   char* const end = std::to_chars(text.data(), text.data() + text.size(), scaled->digits % unit).ptr;
   out += '.';

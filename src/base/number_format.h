@@ -13,6 +13,7 @@ std::string number_text(currency amount);
 
 // The same text at the end of `out`, without a string of its own.
 void append_number_text(double number, std::string& out);
+void append_integer(std::int64_t number, std::string& out);
 
 // A number shown by a pattern. '0' is a required digit, '#' an optional one, '.' the decimal point, which is printed
 // whenever the pattern has it, and ',' anywhere before the point groups thousands. Values are rounded, halves away from

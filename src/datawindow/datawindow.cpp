@@ -1,11 +1,9 @@
 #include "datawindow/datawindow.h"
 
-#include <fmt/compile.h>
-
 #include <QCoreApplication>
-#include <iterator>
 #include <new>
 
+#include "base/number_format.h"
 #include "base/user_interface.h"
 #include "datawindow/dwf.h"
 #include "platform/mdi_host.h"
@@ -142,7 +140,7 @@ void DataWindow::append_rows(std::int64_t rows) {
   const int columns = statement_->NCols();
   for (std::int64_t row = 0; row < rows; ++row) {
     grid.append_row();
-    fmt::format_to(std::back_inserter(grid.open_cell()), FMT_COMPILE("{}"), RowsFetched + row + 1);
+    append_integer(RowsFetched + row + 1, grid.open_cell());
     grid.close_cell();
     for (int column = 1; column <= columns; ++column) {
       std::string& text = grid.open_cell();

@@ -1,8 +1,4 @@
 // The fetching half of odbcstmt: rows into the bound buffer, and cells out of it.
-#include <fmt/compile.h>
-
-#include <iterator>
-
 #include "base/matrix.h"
 #include "base/number_format.h"
 #include "base/text.h"
@@ -73,7 +69,7 @@ bool odbcstmt::append_text(int column_number, std::int64_t row, std::string& out
       append_trimmed_cell_text(bytes, at.width, length, out);
       break;
     case SQL_C_LONG:
-      fmt::format_to(std::back_inserter(out), FMT_COMPILE("{}"), cfgetd(bytes));
+      append_integer(cfgetd(bytes), out);
       break;
     case SQL_C_DOUBLE:
       append_number_text(cfgetf(bytes), out);

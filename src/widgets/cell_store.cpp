@@ -59,6 +59,7 @@ void cell_store::set(std::size_t row, std::size_t column, std::string_view text)
   const place where = place_of(row, column);
   block& in = blocks_[where.block];
   in.dropped += read_text(in.texts, in.places[where.index]).size();
+  if (column == 0) longest_first_ = std::max(longest_first_, text.size());
   // The text given may be one of this very block.
   put(in, where.index, std::string(text));
   if (in.dropped > worth_tidying && in.dropped > in.texts.size() / 2) drop_unused(in);
@@ -76,9 +77,14 @@ void cell_store::add_stored_rows(std::size_t count) {
   while (count > 0) {
     const std::size_t used = stored_rows_ % rows_per_block;
     if (used == 0) {
-      // A block that is full keeps no room for more.
-      if (!blocks_.empty()) blocks_.back().texts.shrink_to_fit();
+      // A block that is full keeps no room for more; the next is likely to become as large.
+      std::size_t expected = 0;
+      if (!blocks_.empty()) {
+        expected = blocks_.back().texts.size();
+        blocks_.back().texts.shrink_to_fit();
+      }
       blocks_.emplace_back();
+      blocks_.back().texts.reserve(expected + expected / 8);
       blocks_.back().texts.assign(1, '\0');  // the empty text, where new cells point
     }
     const std::size_t taken = std::min(count, rows_per_block - used);
@@ -96,11 +102,12 @@ void cell_store::add_stored_rows(std::size_t count) {
 
 void cell_store::append_row() {
   add_stored_rows(1);
-  next_cell_ = (stored_rows_ - 1) % rows_per_block * columns_;
+  first_cell_ = next_cell_ = (stored_rows_ - 1) % rows_per_block * columns_;
 }
 
 void cell_store::append_cell(std::string_view text) {
   block& in = blocks_.back();
+  if (next_cell_ == first_cell_) longest_first_ = std::max(longest_first_, text.size());
   if (next_cell_ < in.places.size()) put(in, next_cell_++, text);
 }
 
@@ -121,6 +128,7 @@ void cell_store::close_cell() {
     ++next_cell_;
     return;
   }
+  if (next_cell_ == first_cell_) longest_first_ = std::max(longest_first_, length);
   in.places[next_cell_++] = static_cast<std::uint32_t>(opened_at_ - 1);
   if (length < 0x80) {
     in.texts[opened_at_ - 1] = static_cast<char>(length);

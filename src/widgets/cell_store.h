@@ -15,6 +15,9 @@ class cell_store {
   [[nodiscard]] std::size_t rows() const { return rows_; }
   [[nodiscard]] std::size_t columns() const { return columns_; }
 
+  // The bytes of the longest text that column 0 has, or has had since its rows or columns last became fewer.
+  [[nodiscard]] std::size_t longest_first() const { return longest_first_; }
+
   // Valid until the store is changed.
   [[nodiscard]] std::string_view at(std::size_t row, std::size_t column) const;
   void set(std::size_t row, std::size_t column, std::string_view text);
@@ -63,8 +66,10 @@ class cell_store {
   std::size_t rows_ = 0;
   std::size_t columns_ = 0;
   std::size_t stored_rows_ = 0;
-  std::size_t next_cell_ = 0;  // of the last row, for append_cell
-  std::size_t opened_at_ = 0;  // where the text of the open cell begins
+  std::size_t longest_first_ = 0;
+  std::size_t first_cell_ = 0;  // of the last row
+  std::size_t next_cell_ = 0;   // for append_cell
+  std::size_t opened_at_ = 0;   // where the text of the open cell begins
   std::vector<block> blocks_;
   std::vector<std::uint32_t> order_;  // empty while rows stand as they were added
 };

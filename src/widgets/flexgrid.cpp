@@ -140,8 +140,12 @@ void flexgrid::shape_changed() {
 
 void flexgrid::publish() {
   keep_a_cell_unfixed();
-  const bool told = model_->publish();
-  if (!told) return;
+  const grid_model::news told = model_->publish();
+  if (told == grid_model::news::none) return;
+  if (told == grid_model::news::rows_added) {
+    fit_fixed_column();
+    return;
+  }
   horizontalHeader()->setVisible(FixedRows() > 0);
   verticalHeader()->setVisible(FixedCols() > 0);
   apply_widths();
@@ -262,12 +266,11 @@ void flexgrid::apply_widths() {
 // The fixed column is as wide as it was set, and wider where its longest text needs it.
 void flexgrid::fit_fixed_column() {
   if (FixedCols() == 0) return;
-  if (cells().rows() < measured_rows_) measured_rows_ = widest_fixed_ = 0;
-  for (; measured_rows_ < cells().rows(); ++measured_rows_) {
-    widest_fixed_ = std::max(widest_fixed_, cells().at(measured_rows_, 0).size());
+  const std::size_t longest = cells().longest_first() + 2;
+  if (measured_width_.first != longest) {
+    measured_width_ = {longest, fontMetrics().horizontalAdvance(QString(static_cast<qsizetype>(longest), '0'))};
   }
-  const int needed = fontMetrics().horizontalAdvance(QString(static_cast<qsizetype>(widest_fixed_) + 2, '0'));
-  row_header_->set_width(qMax(twips_to_pixels(column_width(0), *this), qMin(needed, width() / 2)));
+  row_header_->set_width(qMax(twips_to_pixels(column_width(0), *this), qMin(measured_width_.second, width() / 2)));
 }
 
 void flexgrid::set_alignment(int column, Qt::Alignment alignment) {
@@ -369,5 +372,6 @@ void flexgrid::changeEvent(QEvent* event) {
   QTableView::changeEvent(event);
   if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange) return;
   fit_row_height();
+  measured_width_ = {};
   fit_fixed_column();
 }

@@ -133,8 +133,7 @@ class flexgrid : public QTableView {
   bool free_merging_ = false;
   QHash<int, int> widths_;  // in twips, of columns that have not the default
   QSet<int> merge_flags_;
-  std::size_t measured_rows_ = 0;  // whose fixed cell has been looked at
-  std::size_t widest_fixed_ = 0;   // bytes
+  std::pair<std::size_t, int> measured_width_{0, 0};  // of so many bytes, in pixels of the font in force
 };
 
 // Redraw off for a scope, and as it was afterwards.

@@ -47,16 +47,16 @@ QVariant grid_model::headerData(int section, Qt::Orientation orientation, int ro
   return {};
 }
 
-bool grid_model::publish() {
+grid_model::news grid_model::publish() {
   const auto rows = static_cast<int>(cells.rows());
   const auto columns = static_cast<int>(cells.columns());
   const bool same_columns = columns == shown_columns_ && fixed_columns == shown_fixed_columns_;
   if (same_columns && fixed_rows == shown_fixed_rows_ && rows >= shown_rows_ && shown_rows_ >= fixed_rows) {
-    if (rows == shown_rows_) return false;
+    if (rows == shown_rows_) return news::none;
     beginInsertRows({}, shown_rows_ - fixed_rows, rows - fixed_rows - 1);
     shown_rows_ = rows;
     endInsertRows();
-    return true;
+    return news::rows_added;
   }
   beginResetModel();
   shown_rows_ = rows;
@@ -64,5 +64,5 @@ bool grid_model::publish() {
   shown_fixed_rows_ = fixed_rows;
   shown_fixed_columns_ = fixed_columns;
   endResetModel();
-  return true;
+  return news::reshaped;
 }

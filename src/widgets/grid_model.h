@@ -25,8 +25,9 @@ class grid_model : public QAbstractTableModel {
   [[nodiscard]] Qt::Alignment alignment(int grid_column) const;
 
   // Tells the views what the store and the members below have become. Rows added at the end keep what a view has
-  // selected and where it stands; any other change of shape is a reset. True after a change that the views were told.
-  bool publish();
+  // selected and where it stands; any other change of shape is a reset.
+  enum class news { none, rows_added, reshaped };
+  news publish();
 
   cell_store cells;
   int fixed_rows = 0;
