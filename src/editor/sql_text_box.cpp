@@ -2,13 +2,26 @@
 
 #include <Qsci/qscilexersql.h>
 
+#include <Qsci/qscicommandset.h>
+
+#include <QAccessibleWidget>
 #include <QApplication>
-#include <QEvent>
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QShortcut>
+#include <algorithm>
 #include <array>
+#include <optional>
+
+#include "editor/text_search.h"
 
 namespace {
 
 constexpr int line_number_margin = 0;
+// Up to this size the box looks for the partner of a bracket, which takes a walk through the text for one that has none.
+constexpr std::size_t most_bytes_to_match_brackets = 1'000'000;
+// Up to this size a replaced text is kept for undo.
+constexpr std::size_t most_bytes_to_undo = 32'000'000;
 
 struct style_colour {
   int style;
@@ -37,9 +50,25 @@ QsciScintilla::EolMode eol_mode_of(std::string_view text) {
   return text[end] == '\n' ? QsciScintilla::EolUnix : QsciScintilla::EolMac;
 }
 
+// The base class tells accessibility of every change with a position in characters, counted from the start of the text,
+// which makes typing slow in a large one. While nobody listens a plain interface stands in for its own.
+QAccessibleInterface* silent_interface(const QString& class_name, QObject* object) {
+  if (class_name != "sql_text_box" || QAccessible::isActive()) return nullptr;
+  return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::EditableText);
+}
+
+bool carries_files(const QDropEvent& event) { return event.mimeData()->hasUrls(); }
+
 }  // namespace
 
 sql_text_box::sql_text_box(QWidget* parent) : QsciScintilla(parent), lexer_(new QsciLexerSQL(this)) {
+  static const bool installed = [] {
+    QAccessible::installFactory(silent_interface);
+    return true;
+  }();
+  static_cast<void>(installed);
+  QAccessible::installActivationObserver(this);
+  accessibilityActiveChanged(QAccessible::isActive());
   setUtf8(true);
   setEolMode(EolWindows);
   setMarginType(line_number_margin, NumberMargin);
@@ -47,28 +76,84 @@ sql_text_box::sql_text_box(QWidget* parent) : QsciScintilla(parent), lexer_(new 
   setLexer(lexer_);
   apply_font(QFont("Arial", 10));
   apply_colours();
-  connect(this, &QsciScintilla::linesChanged, this, &sql_text_box::fit_line_numbers);
-  connect(this, &QsciScintilla::SCN_ZOOM, this, &sql_text_box::fit_line_numbers);
+  // Keys of the program's own.
+  for (const QKeyCombination key : {Qt::CTRL | Qt::SHIFT | Qt::Key_T, Qt::CTRL | Qt::SHIFT | Qt::Key_C}) {
+    if (QsciCommand* bound = standardCommands()->boundTo(key.toCombined())) bound->setKey(0);
+  }
+  auto* normal_size = new QShortcut(Qt::CTRL | Qt::Key_0, this, nullptr, nullptr, Qt::WidgetShortcut);
+  connect(normal_size, &QShortcut::activated, this, [this] { zoomTo(0); });
+  connect(this, &QsciScintilla::SCEN_CHANGE, this, &sql_text_box::edited);
+  connect(this, &sql_text_box::edited, this, &sql_text_box::fit_to_content);
+  connect(this, &QsciScintilla::SCN_ZOOM, this, [this] {
+    numbered_lines_ = 0;
+    fit_to_content();
+  });
+  fit_to_content();
 }
 
-void sql_text_box::set_document(const document_text& document) {
+sql_text_box::~sql_text_box() { QAccessible::removeActivationObserver(this); }
+
+void sql_text_box::accessibilityActiveChanged(bool active) {
+  SendScintilla(SCI_SETMODEVENTMASK, active ? static_cast<unsigned long>(SC_MODEVENTMASKALL) : 0UL);
+  QAccessibleInterface* known = active ? QAccessible::queryAccessibleInterface(this) : nullptr;
+  if (known != nullptr && known->textInterface() == nullptr)
+    QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(known));
+}
+
+void sql_text_box::put_text(const document_text& document) {
   encoding_ = document.encoding;
   byte_order_mark_ = document.byte_order_mark;
   setUtf8(encoding_ == document_encoding::utf8);
   SendScintilla(SCI_CLEARALL);
   SendScintilla(SCI_ADDTEXT, document.bytes.size(), document.bytes.data());
+  setEolMode(eol_mode_of(document.bytes));
+}
+
+void sql_text_box::set_document(const document_text& document) {
+  SendScintilla(SCI_SETUNDOCOLLECTION, 0UL);
+  put_text(document);
+  SendScintilla(SCI_SETUNDOCOLLECTION, 1UL);
   SendScintilla(SCI_EMPTYUNDOBUFFER);
   SendScintilla(SCI_SETSAVEPOINT);
-  setEolMode(eol_mode_of(document.bytes));
   SendScintilla(SCI_GOTOPOS, 0UL);
-  fit_line_numbers();
 }
+
+void sql_text_box::replace_document(const document_text& document) {
+  if (document.encoding != encoding_ || document.byte_order_mark != byte_order_mark_ ||
+      document.bytes.size() + size() > most_bytes_to_undo) {
+    set_document(document);
+    return;
+  }
+  SendScintilla(SCI_BEGINUNDOACTION);
+  put_text(document);
+  SendScintilla(SCI_ENDUNDOACTION);
+  SendScintilla(SCI_SETSAVEPOINT);
+  SendScintilla(SCI_GOTOPOS, 0UL);
+}
+
+void sql_text_box::restore_document(const document_text& document) {
+  set_document({{}, document.encoding, document.byte_order_mark});
+  put_text(document);
+  SendScintilla(SCI_GOTOPOS, 0UL);
+}
+
+void sql_text_box::clear_text() { SendScintilla(SCI_CLEARALL); }
 
 document_text sql_text_box::document() const { return {std::string(bytes()), encoding_, byte_order_mark_}; }
 
+std::size_t sql_text_box::size() const { return static_cast<std::size_t>(SendScintilla(SCI_GETLENGTH)); }
+
 std::string_view sql_text_box::bytes() const {
-  const auto length = static_cast<std::size_t>(SendScintilla(SCI_GETLENGTH));
-  return {static_cast<const char*>(SendScintillaPtrResult(SCI_GETCHARACTERPOINTER)), length};
+  return {static_cast<const char*>(SendScintillaPtrResult(SCI_GETCHARACTERPOINTER)), size()};
+}
+
+std::string_view sql_text_box::bytes(std::size_t start, std::size_t length) const {
+  const std::size_t all = size();
+  start = std::min(start, all);
+  length = std::min(length, all - start);
+  if (length == 0) return {};
+  const auto* first = reinterpret_cast<const char*>(SendScintilla(SCI_GETRANGEPOINTER, start, static_cast<long>(length)));
+  return {first, length};
 }
 
 std::size_t sql_text_box::caret() const { return static_cast<std::size_t>(SendScintilla(SCI_GETSELECTIONSTART)); }
@@ -79,11 +164,45 @@ void sql_text_box::select_bytes(std::size_t start, std::size_t length) {
   SendScintilla(SCI_SETSEL, start, static_cast<long>(start + length));
 }
 
+QByteArray sql_text_box::in_document_encoding(const QString& text) const {
+  if (encoding_ == document_encoding::utf8) return text.toUtf8();
+  const QByteArray bytes = text.toLatin1();
+  return QString::fromLatin1(bytes) == text ? bytes : QByteArray();
+}
+
+bool sql_text_box::find_next(const QString& text) {
+  const QByteArray wanted = in_document_encoding(text);
+  if (wanted.isEmpty()) return false;
+  const auto length = static_cast<std::size_t>(wanted.size());
+  const auto find_from = [&](std::size_t start) -> std::optional<std::size_t> {
+    if (is_ascii({wanted.constData(), length})) return find_ignoring_case(bytes(), {wanted.constData(), length}, start);
+    SendScintilla(SCI_SETSEARCHFLAGS, 0UL);
+    SendScintilla(SCI_SETTARGETRANGE, start, static_cast<long>(size()));
+    const long found = SendScintilla(SCI_SEARCHINTARGET, length, wanted.constData());
+    return found < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(found));
+  };
+  const std::size_t here = caret();
+  const auto selected = static_cast<std::size_t>(SendScintilla(SCI_GETSELECTIONEND)) - here;
+  const auto after = static_cast<std::size_t>(SendScintilla(SCI_POSITIONAFTER, here));
+  std::optional<std::size_t> found = find_from(here == 0 ? 0 : after);
+  // The selection at the very start is the last hit.
+  if (found && *found == 0 && here == 0 && selected == length) found = find_from(after);
+  if (!found) return false;
+  const bool by_bytes = encoding_ == document_encoding::latin1 || is_ascii({wanted.constData(), length});
+  const auto end = by_bytes ? *found + length : static_cast<std::size_t>(SendScintilla(SCI_GETTARGETEND));
+  select_bytes(*found, end - *found);
+  ensureCursorVisible();
+  repaint();
+  return true;
+}
+
 void sql_text_box::apply_font(const QFont& font) {
+  font_ = font;
   lexer_->setDefaultFont(font);
   lexer_->setFont(font);
   setMarginsFont(font);
-  fit_line_numbers();
+  numbered_lines_ = 0;
+  fit_to_content();
 }
 
 void sql_text_box::apply_colours() {
@@ -101,11 +220,37 @@ void sql_text_box::apply_colours() {
   setSelectionForegroundColor(colours.color(QPalette::HighlightedText));
   setMarginsBackgroundColor(colours.color(QPalette::Window));
   setMarginsForegroundColor(colours.color(QPalette::WindowText));
+  setMatchedBraceBackgroundColor(QColor(dark ? 0xff2f5d3a : 0xffc5e8cc));
+  setMatchedBraceForegroundColor(ink);
+  setUnmatchedBraceBackgroundColor(ground);
+  setUnmatchedBraceForegroundColor(QColor(dark ? 0xfff28b82 : 0xffb00020));
 }
 
-void sql_text_box::fit_line_numbers() { setMarginWidth(line_number_margin, QString(" %1 ").arg(qMax(lines(), 100))); }
+void sql_text_box::fit_to_content() {
+  const BraceMatch wanted = size() <= most_bytes_to_match_brackets ? SloppyBraceMatch : NoBraceMatch;
+  if (braceMatching() != wanted) setBraceMatching(wanted);
+  if (numbered_lines_ == lines()) return;
+  numbered_lines_ = lines();
+  setMarginWidth(line_number_margin, QString(" %1 ").arg(qMax(numbered_lines_, 100)));
+}
 
 void sql_text_box::changeEvent(QEvent* event) {
   QsciScintilla::changeEvent(event);
   if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange) apply_colours();
+}
+
+void sql_text_box::dragEnterEvent(QDragEnterEvent* event) {
+  if (carries_files(*event)) {
+    event->ignore();
+  } else {
+    QsciScintilla::dragEnterEvent(event);
+  }
+}
+
+void sql_text_box::dragMoveEvent(QDragMoveEvent* event) {
+  if (carries_files(*event)) {
+    event->ignore();
+  } else {
+    QsciScintilla::dragMoveEvent(event);
+  }
 }
