@@ -20,8 +20,10 @@ document_text document_from_file(std::string content) {
 }
 
 std::string file_from_document(const document_text& document) {
-  return document.byte_order_mark ? std::string(mark) + document.bytes : document.bytes;
+  return std::string(file_mark(document.byte_order_mark)) + document.bytes;
 }
+
+std::string_view file_mark(bool byte_order_mark) { return byte_order_mark ? mark : std::string_view(); }
 
 std::string document_to_utf8(std::string_view bytes, document_encoding encoding) {
   if (encoding == document_encoding::utf8) return std::string(bytes);

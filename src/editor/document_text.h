@@ -17,5 +17,8 @@ struct document_text {
 document_text document_from_file(std::string content);
 std::string file_from_document(const document_text& document);
 
+// What stands before the text in its file: the mark or nothing.
+std::string_view file_mark(bool byte_order_mark);
+
 // A piece of a document's bytes as UTF-8, as the rest of the program takes it.
 std::string document_to_utf8(std::string_view bytes, document_encoding encoding);

@@ -7,24 +7,22 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 
-#include "base/files.h"
+#include "as400/qcmdexc.h"
 #include "base/user_interface.h"
 #include "datawindow/datawindow.h"
+#include "editor/document_commands.h"
 #include "editor/statement_text.h"
 #include "params/fbindparms.h"
 #include "params/fshowparms.h"
-#include "platform/file_dialogs.h"
-#include "platform/saved_file.h"
 #include "shell/session.h"
 #include "ui_form1.h"
+#include "widgets/focused_text.h"
 #include "widgets/twips.h"
 
 namespace {
 
 constexpr int width_in_twips = 8200;
 constexpr int height_in_twips = 4000;
-
-const file_dialog sql_files{"Sorvane SQL Files", "SQL Files|*.sql", "sql"};
 
 struct panel_text {
   const char* initial;
@@ -41,8 +39,6 @@ constexpr panel_text panel_texts[panel_count] = {
     {"0.00000", "Render time of last statement, if applies", 0},
 };
 
-QString caption_of(const QString& path) { return "Mirelta Editor: " + path; }
-
 void run_command(statement_pipeline& pipeline, const std::string& text, const run_options& options) {
   pipeline.run_stmt(text, options);
 }
@@ -51,11 +47,6 @@ void check_command(statement_pipeline& pipeline, const std::string& text, const 
 }
 void speed_command(statement_pipeline& pipeline, const std::string& text, const run_options& options) {
   pipeline.speed_stmt(text, options);
-}
-
-void tell_bad_file(const QString& path, const std::string& why) {
-  show_message({"Bad File Name!\rI can not open this document: " + path.toStdString(), "User Error",
-                message_icon::question, message_buttons::ok, why});
 }
 
 }  // namespace
@@ -70,13 +61,27 @@ form1::form1(mdi_host& host)
   menuBar()->setNativeMenuBar(false);
   menuBar()->hide();
   setFocusProxy(ui_->Text1);
+  commands_ = new document_commands(*this, *ui_->Text1, MyFilename, host_);
 
   connect(ui_->mnuMDINew, &QAction::triggered, this, &form1::mnuMDINew_Click);
-  connect(ui_->load, &QAction::triggered, this, &form1::load_Click);
-  connect(ui_->save, &QAction::triggered, this, &form1::save_Click);
-  connect(ui_->mnuSaveAs, &QAction::triggered, this, &form1::mnuSaveAs_Click);
+  connect(ui_->load, &QAction::triggered, commands_, &document_commands::load_Click);
+  connect(ui_->mnuOpenNewWindow, &QAction::triggered, commands_, &document_commands::mnuOpenNewWindow_Click);
+  connect(ui_->save, &QAction::triggered, commands_, &document_commands::save_Click);
+  connect(ui_->mnuSaveAs, &QAction::triggered, commands_, &document_commands::mnuSaveAs_Click);
+  connect(ui_->clear_editor, &QAction::triggered, commands_, &document_commands::clear_editor_Click);
   connect(ui_->exit, &QAction::triggered, this,
           [this] { parentWidget() != nullptr ? parentWidget()->close() : close(); });
+  connect(ui_->cut, &QAction::triggered, this, &focused_text::cut);
+  connect(ui_->copy, &QAction::triggered, this, &focused_text::copy);
+  connect(ui_->paste, &QAction::triggered, this, &focused_text::paste);
+  connect(ui_->mnuDelete, &QAction::triggered, this, &focused_text::delete_selection);
+  connect(ui_->mnuEditFind, &QAction::triggered, commands_, &document_commands::mnuEditFind_Click);
+  connect(ui_->find_again, &QAction::triggered, commands_, &document_commands::find_again_Click);
+  connect(ui_->undo, &QAction::triggered, ui_->Text1, &sql_text_box::undo);
+  connect(ui_->redo, &QAction::triggered, ui_->Text1, &sql_text_box::redo);
+  connect(ui_->select_all, &QAction::triggered, this, [this] { ui_->Text1->selectAll(); });
+  connect(ui_->choose_font, &QAction::triggered, commands_, &document_commands::choose_font_Click);
+  connect(ui_->Text1, &sql_text_box::edited, this, &form1::show_what_can_be_undone);
   connect(ui_->exe_current, &QAction::triggered, this, &form1::exe_current_Click);
   connect(ui_->exe_all, &QAction::triggered, this, &form1::exe_all_Click);
   connect(ui_->check_cur_stmt_syntax, &QAction::triggered, this, &form1::check_cur_stmt_syntax_Click);
@@ -84,9 +89,14 @@ form1::form1(mdi_host& host)
   connect(ui_->mnu_speed_test, &QAction::triggered, this, &form1::mnu_speed_test_Click);
   connect(ui_->m_commit, &QAction::triggered, this, &form1::m_commit_Click);
   connect(ui_->m_Rollback, &QAction::triggered, this, &form1::m_Rollback_Click);
+  connect(ui_->options_panel, &QAction::triggered, this, [this] { host_.show_options(); });
+  connect(ui_->mnuDisplay400JobInfo, &QAction::triggered, this, [this] { host_.show_job_settings(); });
+  connect(ui_->mnuEvnironmentSendJobLogOutfile, &QAction::triggered, this,
+          &form1::mnuEvnironmentSendJobLogOutfile_Click);
   connect(ui_->mnuHelpContents, &QAction::triggered, this, [this] { host_.show_help(); });
   connect(ui_->about, &QAction::triggered, this, [this] { host_.show_about(); });
   connect(ui_->mnuWindowList, &QMenu::aboutToShow, this, [this] { host_.fill_window_list(*ui_->mnuWindowList); });
+  fill_context_menu();
   Form_Load();
 }
 
@@ -94,22 +104,27 @@ form1::~form1() { Form_Unload(); }
 
 form1* form1::open_new(mdi_host& host, const QString& caption, const QString& file_name, const QString& file_to_load) {
   auto document = std::make_unique<form1>(host);
-  if (!file_to_load.isEmpty()) {
-    std::string why;
-    if (!document->load_file(file_to_load, why)) {
-      tell_bad_file(file_to_load, why);
-      return nullptr;
-    }
-  }
   document->setWindowTitle(caption);
-  document->MyFilename = file_name;
+  std::string why;
+  if (!file_to_load.isEmpty() && !document->commands_->load_file(file_to_load, caption, file_name, why)) {
+    tell_bad_file(file_to_load, why);
+    return nullptr;
+  }
+  form1* shown = document.release();
+  host.show_child(shown);
+  return shown;
+}
+
+form1* form1::reopen_closed(mdi_host& host) {
+  auto document = std::make_unique<form1>(host);
+  if (!document->commands_->take_latest_closed()) return nullptr;
   form1* shown = document.release();
   host.show_child(shown);
   return shown;
 }
 
 form1* open_document(mdi_host& host, const QString& path) {
-  return form1::open_new(host, caption_of(path), path, path);
+  return form1::open_new(host, document_caption(path), path, path);
 }
 
 QList<QAction*> form1::menu_bar_actions() const { return menuBar()->actions(); }
@@ -122,6 +137,7 @@ void form1::Form_Load() {
 // Whatever still waits in a run of this document finds the pipeline detached and ends. Windows opened from the document
 // keep the statement object, but not its handle.
 void form1::Form_Unload() {
+  commands_->unload();
   pipeline_->detach();
   doc_stmt->Kill();
 }
@@ -131,57 +147,29 @@ void form1::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
-bool form1::load_file(const QString& path, std::string& why) {
-  file_content content = read_whole_file(path.toStdString());
-  if (!content.ok()) {
-    why = content.error;
-    return false;
-  }
-  ui_->Text1->set_document(document_from_file(std::move(content.bytes)));
-  return true;
+// What every editor offers beside its menus.
+void form1::fill_context_menu() {
+  auto* separators = ui_->Text1;
+  const auto separator = [separators] {
+    auto* line = new QAction(separators);
+    line->setSeparator(true);
+    return line;
+  };
+  ui_->redo->setShortcuts({Qt::CTRL | Qt::Key_Y, Qt::CTRL | Qt::SHIFT | Qt::Key_Z});
+  ui_->Text1->addActions({ui_->undo, ui_->redo, separator(), ui_->cut, ui_->copy, ui_->paste, ui_->mnuDelete,
+                          ui_->select_all, separator(), ui_->mnuEditFind, ui_->find_again, separator(),
+                          ui_->choose_font});
+  ui_->Text1->setContextMenuPolicy(Qt::ActionsContextMenu);
+  show_what_can_be_undone();
 }
 
-void form1::mnuMDINew_Click() { open_new(host_, caption_of("UnNamed")); }
-
-void form1::load_Click() {
-  const QPointer<form1> here(this);
-  const QString path = file_dialogs::current().open(sql_files, this);
-  if (path.isEmpty() || here.isNull()) return;
-  std::string why;
-  if (!load_file(path, why)) {
-    tell_bad_file(path, why);
-    return;
-  }
-  setWindowTitle(caption_of(path));
-  MyFilename = path;
+void form1::show_what_can_be_undone() {
+  ui_->undo->setEnabled(ui_->Text1->isUndoAvailable());
+  ui_->redo->setEnabled(ui_->Text1->isRedoAvailable());
 }
 
-void form1::save_Click() {
-  if (MyFilename.isEmpty()) {
-    mnuSaveAs_Click();
-  } else {
-    save_as(MyFilename);
-  }
-}
-
-void form1::mnuSaveAs_Click() {
-  const QPointer<form1> here(this);
-  const QString name = file_dialogs::current().save(sql_files, MyFilename, this);
-  if (!name.isEmpty() && !here.isNull()) save_as(name);
-}
-
-void form1::save_as(const QString& name) {
-  std::string why;
-  if (!write_whole_file(name.toStdString(), file_from_document(ui_->Text1->document()), why)) {
-    show_message({fmt::format("The filename you supplied: {} is not valid.....  Try Again.", name.toStdString()),
-                  "User Error", message_icon::question, message_buttons::ok, why});
-    return;
-  }
-  ui_->Text1->setModified(false);
-  setWindowTitle(caption_of(name));
-  MyFilename = name;
-  show_message({"Output Saved!\rFile: " + name.toStdString(), "Message", message_icon::none, message_buttons::ok, {}});
-}
+void form1::mnuMDINew_Click() { open_new(host_, document_caption("UnNamed")); }
+void form1::load_Click() { commands_->load_Click(); }
 
 void form1::set_running(bool running) {
   running_ = running;
@@ -245,6 +233,12 @@ void form1::mnu_speed_test_Click() { run_current(no_statement_to_speed_test, "Us
 
 void form1::m_commit_Click() { session::g_con.Commit(); }
 void form1::m_Rollback_Click() { session::g_con.Rollback(); }
+
+void form1::mnuEvnironmentSendJobLogOutfile_Click() {
+  if (running_) return;
+  const std::string call = qcmdexc_call("DSPJOBLOG OUTPUT(*OUTFILE) OUTFILE(CODE/JLTEST)", ".");
+  if (!doc_stmt->Prep(call) || !doc_stmt->Execute()) doc_stmt->Errd();
+}
 
 bool form1::enter_parameters(const std::shared_ptr<odbcstmt>& statement, bool is_call) {
   return wait_for_parameters(this, statement, is_call);

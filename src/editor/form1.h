@@ -11,6 +11,7 @@
 namespace Ui {
 class form1;
 }
+class document_commands;
 
 // An editor document: a text, a statement object of its own on the session's connection, and the panels of its runs. It
 // shows and forwards; the pipeline does the work.
@@ -26,13 +27,13 @@ class form1 : public QMainWindow, public mdi_document, private pipeline_host, pr
   static form1* open_new(mdi_host& host, const QString& caption, const QString& file_name = {},
                          const QString& file_to_load = {});
 
+  // Opens the unsaved text that was closed last in a new document; nullptr when there is none.
+  static form1* reopen_closed(mdi_host& host);
+
   [[nodiscard]] QList<QAction*> menu_bar_actions() const override;
   [[nodiscard]] const QString& file_name() const { return MyFilename; }
   [[nodiscard]] const std::shared_ptr<odbcstmt>& statement() const { return doc_stmt; }
   [[nodiscard]] bool running() const { return running_; }
-
-  // Replaces the text by a file's; false, with the text as it was and the reason in `why`, when it cannot be read.
-  bool load_file(const QString& path, std::string& why);
 
   void load_Click();
 
@@ -47,8 +48,6 @@ class form1 : public QMainWindow, public mdi_document, private pipeline_host, pr
   void Form_Load();
   void Form_Unload();
   void mnuMDINew_Click();
-  void save_Click();
-  void mnuSaveAs_Click();
   void exe_current_Click();
   void exe_all_Click();
   void check_cur_stmt_syntax_Click();
@@ -56,8 +55,10 @@ class form1 : public QMainWindow, public mdi_document, private pipeline_host, pr
   void mnu_speed_test_Click();
   void m_commit_Click();
   void m_Rollback_Click();
+  void mnuEvnironmentSendJobLogOutfile_Click();
 
-  void save_as(const QString& name);
+  void fill_context_menu();
+  void show_what_can_be_undone();
   void set_running(bool running);
   // What is done with a statement: a run, a check or a speed test.
   using pipeline_command = void (*)(statement_pipeline& pipeline, const std::string& text, const run_options& options);
@@ -79,6 +80,7 @@ class form1 : public QMainWindow, public mdi_document, private pipeline_host, pr
   std::unique_ptr<Ui::form1> ui_;
   mdi_host& host_;
   QString MyFilename;
+  document_commands* commands_ = nullptr;
   std::shared_ptr<odbcstmt> doc_stmt;
   std::shared_ptr<statement_pipeline> pipeline_;
   bool running_ = false;

@@ -119,7 +119,7 @@ void sql_text_box::set_document(const document_text& document) {
 }
 
 void sql_text_box::replace_document(const document_text& document) {
-  if (document.encoding != encoding_ || document.byte_order_mark != byte_order_mark_ ||
+  if (size() == 0 || document.encoding != encoding_ || document.byte_order_mark != byte_order_mark_ ||
       document.bytes.size() + size() > most_bytes_to_undo) {
     set_document(document);
     return;

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <memory>
+
 class QAction;
 class QMdiSubWindow;
 class QMenu;
+class QString;
 class QWidget;
+class recovery_folder;
+class settings_store;
 template <typename T>
 class QList;
 
@@ -20,6 +25,14 @@ class mdi_host {
   // The options panel and the AS/400 job window. Both are modal and return when they are closed.
   virtual void show_options() = 0;
   virtual void show_job_settings() = 0;
+  // A line for the user on the frame's status bar, until the next; "" takes it back.
+  virtual void show_note(const QString& note) = 0;
+  // A file that was opened or saved.
+  virtual void add_recent_file(const QString& path) = 0;
+  // Where preferences are kept between runs.
+  virtual settings_store& store() = 0;
+  // Where the texts of unsaved documents are kept.
+  virtual std::shared_ptr<recovery_folder> recovery() = 0;
 };
 
 // A child of the frame with menus of its own, which stand in the frame's menu bar while it is active.

@@ -1,20 +1,29 @@
 #include "shell/mainmdi.h"
 
+#include <fmt/format.h>
+
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDragEnterEvent>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLocale>
 #include <QMdiSubWindow>
+#include <QMimeData>
+#include <QPointer>
 #include <QScreen>
 #include <QStyle>
 
 #include "as400/frm400settings.h"
 #include "base/files.h"
 #include "base/user_interface.h"
+#include "editor/document_commands.h"
 #include "editor/form1.h"
+#include "editor/recovery_folder.h"
 #include "odbc/odbcd.h"
 #include "platform/help_viewer.h"
+#include "platform/user_data.h"
 #include "shell/about.h"
 #include "shell/command_line.h"
 #include "shell/frmoptions.h"
@@ -29,15 +38,18 @@ namespace {
 constexpr int clock_width_in_twips = 2500;
 constexpr int width_in_twips = 14400;
 constexpr int height_in_twips = 9600;
+constexpr const char* no_note = "Program Messages";
 enum frame_panel : int { messages = 1, date = 2, time_of_day = 3 };
 
 }  // namespace
 
 MainMdi::MainMdi(settings_store& store, std::string command_line)
-    : ui_(std::make_unique<Ui::MainMdi>()), store_(store), command_line_(std::move(command_line)) {
+    : ui_(std::make_unique<Ui::MainMdi>()), store_(store), command_line_(std::move(command_line)), recent_(store),
+      recovery_(std::make_shared<recovery_folder>(user_data_folder() / "recovery")) {
   ui_->setupUi(this);
   setAttribute(Qt::WA_DeleteOnClose);
-  ui_->MDIsb->add_panel("Program Messages", {}, 1);
+  setAcceptDrops(true);
+  ui_->MDIsb->add_panel(no_note, {}, 1);
   ui_->MDIsb->add_panel({}, {}, 0);
   ui_->MDIsb->add_panel({}, {}, 0);
   own_menus_ = menuBar()->actions();
@@ -46,6 +58,7 @@ MainMdi::MainMdi(settings_store& store, std::string command_line)
 
   connect(ui_->mnuMdiNew, &QAction::triggered, this, &MainMdi::mnuMdiNew_Click);
   connect(ui_->mnuMdiOpen, &QAction::triggered, this, &MainMdi::mnuMdiOpen_Click);
+  connect(ui_->mnuReopenClosed, &QAction::triggered, this, &MainMdi::mnuReopenClosed_Click);
   connect(ui_->mnuTest, &QAction::triggered, this, &MainMdi::mnuTest_Click);
   connect(ui_->mnuMdiExit, &QAction::triggered, this, &MainMdi::close);
   connect(ui_->mnuEnvironmentOptionsPanel, &QAction::triggered, this, &MainMdi::show_options);
@@ -55,6 +68,9 @@ MainMdi::MainMdi(settings_store& store, std::string command_line)
   connect(ui_->mnuWindows, &QMenu::aboutToShow, this, [this] { fill_window_list(*ui_->mnuWindows); });
   connect(ui_->mdiArea, &QMdiArea::subWindowActivated, this, &MainMdi::show_menus_of_active_window);
   connect(&clock_, &QTimer::timeout, this, &MainMdi::show_date_and_time);
+  // Also while a document's menus stand in the menu bar.
+  addAction(ui_->mnuReopenClosed);
+  show_recent_files();
   clock_.start(1000);
   show_date_and_time();
 }
@@ -72,6 +88,7 @@ void MainMdi::MDIForm_Load() {
   for (const std::string& argument : GetCommandLine(command_line_)) {
     if (!argument.empty() && file_exists(argument)) open_document(*this, QString::fromStdString(argument));
   }
+  QTimer::singleShot(0, this, &MainMdi::offer_crashed_texts);
 }
 
 void MainMdi::MDIForm_Resize() {
@@ -129,6 +146,83 @@ QPoint MainMdi::next_child_position(const QMdiSubWindow& child) const {
   return QPoint(step, step) * (open % fitting);
 }
 
+// The box may still be open when the frame goes.
+void MainMdi::offer_crashed_texts() {
+  const QPointer<MainMdi> here(this);
+  const std::size_t crashed = recovery_->adopt_crashed();
+  if (crashed == 0) return;
+  const std::string text = fmt::format(
+      "Sorvane did not end in order last time. {} unsaved document{} kept. Open {} again?\r"
+      "Otherwise \"Reopen Closed Document\" in the File menu brings {} back, the latest first.",
+      crashed, crashed == 1 ? " was" : "s were", crashed == 1 ? "it" : "them", crashed == 1 ? "it" : "them");
+  if (show_message({text, "Decision", message_icon::question, message_buttons::ok_cancel, {}}) != message_answer::ok)
+    return;
+  for (std::size_t i = 0; i < crashed && !here.isNull() && !unloaded_; ++i) form1::reopen_closed(*this);
+}
+
+void MainMdi::mnuReopenClosed_Click() {
+  if (form1::reopen_closed(*this) == nullptr) show_note("No unsaved document was closed.");
+}
+
+void MainMdi::show_note(const QString& note) {
+  ui_->MDIsb->set_text(messages, note.isEmpty() ? QString(no_note) : note);
+  ui_->MDIsb->label(messages)->setToolTip(note);
+}
+
+std::shared_ptr<recovery_folder> MainMdi::recovery() { return recovery_; }
+
+void MainMdi::add_recent_file(const QString& path) {
+  std::string why;
+  const std::string whole = QFileInfo(path).absoluteFilePath().toStdString();
+  if (!recent_.add(whole, why)) show_note("The recent files are not remembered. " + QString::fromStdString(why));
+  show_recent_files();
+}
+
+// The entries stand in the menu itself, before the one that ends the program.
+void MainMdi::show_recent_files() {
+  qDeleteAll(recent_entries_);
+  recent_entries_.clear();
+  for (const std::string& path : recent_.paths()) {
+    const QString name = QString::fromStdString(path);
+    const QString label = QString("&%1 %2").arg(recent_entries_.size() + 1).arg(QString(name).replace('&', "&&"));
+    auto* entry = new QAction(label, this);
+    connect(entry, &QAction::triggered, this, [this, name] { open_recent(name); }, Qt::QueuedConnection);
+    recent_entries_ += entry;
+  }
+  if (!recent_entries_.isEmpty()) {
+    auto* line = new QAction(this);
+    line->setSeparator(true);
+    recent_entries_ += line;
+  }
+  ui_->mnuFile->insertActions(ui_->mnuMdiExit, recent_entries_);
+}
+
+void MainMdi::open_recent(const QString& path) {
+  if (open_document(*this, path) != nullptr) return;
+  std::string why;
+  recent_.remove(path.toStdString(), why);
+  show_recent_files();
+}
+
+void MainMdi::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+// A file that cannot be opened is told; the others open all the same.
+void MainMdi::dropEvent(QDropEvent* event) {
+  const QPointer<MainMdi> here(this);
+  const QList<QUrl> dropped = event->mimeData()->urls();
+  event->acceptProposedAction();
+  for (const QUrl& each : dropped) {
+    if (here.isNull() || unloaded_) return;
+    if (each.isLocalFile()) {
+      open_document(*this, each.toLocalFile());
+    } else {
+      tell_bad_file(each.toString(), "Only files of this computer can be opened.");
+    }
+  }
+}
+
 void MainMdi::fill_window_list(QMenu& menu) {
   menu.clear();
   int number = 0;
@@ -136,6 +230,7 @@ void MainMdi::fill_window_list(QMenu& menu) {
     ++number;
     const QString title = child->windowTitle().replace('&', "&&");
     QAction* entry = menu.addAction(number < 10 ? QString("&%1 %2").arg(number).arg(title) : title);
+    entry->setIcon(child->windowIcon());
     entry->setCheckable(true);
     entry->setChecked(child == ui_->mdiArea->currentSubWindow());
     connect(entry, &QAction::triggered, child, [this, child] { ui_->mdiArea->setActiveSubWindow(child); });

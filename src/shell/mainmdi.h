@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/mdi_host.h"
+#include "shell/recent_files.h"
 #include "shell/settings.h"
 
 namespace Ui {
@@ -32,17 +33,27 @@ class MainMdi : public QMainWindow, public mdi_host {
   void show_about() override;
   void show_options() override;
   void show_job_settings() override;
+  void show_note(const QString& note) override;
+  void add_recent_file(const QString& path) override;
+  settings_store& store() override { return store_; }
+  std::shared_ptr<recovery_folder> recovery() override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   void MDIForm_Resize();
   void MDIForm_Unload();
   void mnuMdiNew_Click();
   void mnuMdiOpen_Click();
+  void mnuReopenClosed_Click();
   void mnuTest_Click();
+  void offer_crashed_texts();
+  void show_recent_files();
+  void open_recent(const QString& path);
   [[nodiscard]] QPoint next_child_position(const QMdiSubWindow& child) const;
   void show_menus_of_active_window();
   void show_date_and_time();
@@ -50,6 +61,9 @@ class MainMdi : public QMainWindow, public mdi_host {
   std::unique_ptr<Ui::MainMdi> ui_;
   settings_store& store_;
   std::string command_line_;
+  recent_files recent_;
+  QList<QAction*> recent_entries_;
+  std::shared_ptr<recovery_folder> recovery_;
   QList<QAction*> own_menus_;
   QTimer clock_;
   bool unloaded_ = false;

@@ -13,7 +13,7 @@ using texts = std::vector<std::string>;
 namespace {
 
 constexpr const char* frame_menus = "&File &Environment &Windows &Help";
-constexpr const char* document_menus = "&File &Statement En&vironment &Windows &Help";
+constexpr const char* document_menus = "&File &Edit &Tools &Statement En&vironment &Windows &Help";
 
 // The entries of a menu that fills itself when it opens.
 texts filled(QMenu* menu) {

@@ -10,7 +10,10 @@
 namespace {
 
 class sandbox_environment final : public testing::Environment {
-  void SetUp() override { odbc_sandbox::instance(); }
+  void SetUp() override {
+    const std::string settings = (odbc_sandbox::instance().folder() / "Sorvane.ini").string();
+    qputenv("SORVANE_SETTINGS", settings.c_str());
+  }
 };
 
 }  // namespace
