@@ -19,7 +19,7 @@ class open_file {
     if (S_ISREG(status.st_mode)) return;
     close(descriptor_);
     descriptor_ = -1;
-    errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    errno = S_ISDIR(status.st_mode) ? EISDIR : ENODEV;
   }
   ~open_file() {
     if (valid()) close(descriptor_);
@@ -48,7 +48,9 @@ bool file_exists(const std::string& path) { return open_file(path).valid(); }
 
 file_content read_whole_file(const std::string& path) {
   const open_file file(path);
-  if (!file.valid()) return {{}, std::strerror(errno)};
+  if (!file.valid()) return {{}, errno == ENODEV ? "Not a regular file" : std::strerror(errno)};
+  static const file_content too_large{{}, "The file is larger than 1 GB"};
+  if (file.size() > most_file_bytes) return too_large;
   file_content content;
   content.bytes.resize(file.size());
   std::size_t filled = 0;
@@ -59,6 +61,7 @@ file_content read_whole_file(const std::string& path) {
     if (got < 0) return {{}, std::strerror(errno)};
     if (got == 0) break;
     filled += static_cast<std::size_t>(got);
+    if (filled > most_file_bytes) return too_large;
   }
   content.bytes.resize(filled);
   return content;
