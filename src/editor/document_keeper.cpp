@@ -71,7 +71,7 @@ void document_keeper::write_slice() {
 
 void document_keeper::report(const std::string& why) {
   if (!why.empty()) idle_.start(retry_ms);
-  emit copied(QString::fromStdString(why));
+  if (folder_->failure_changed(why)) emit copied(QString::fromStdString(why));
 }
 
 void document_keeper::text_saved() {
@@ -90,8 +90,9 @@ void document_keeper::put_aside() {
   slices_.stop();
   since_first_edit_.invalidate();
   std::string why;
-  copy_.close({heading_(), file_from_document(text_.document())}, why);
-  emit copied(QString::fromStdString(why));
+  const bool kept = copy_.close({heading_(), file_from_document(text_.document())}, why);
+  report(kept ? std::string() : why);
+  idle_.stop();
 }
 
 std::optional<kept_text> document_keeper::take_latest() { return folder_->take_latest(copy_); }

@@ -27,7 +27,7 @@ class document_keeper : public QObject {
   std::optional<kept_text> take_latest();
 
  signals:
-  // Why the text could not be copied; "" when it could.
+  // Why texts can not be copied, once for all documents; "" when they can again.
   void copied(const QString& why);
 
  private:

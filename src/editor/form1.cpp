@@ -81,7 +81,6 @@ form1::form1(mdi_host& host)
   connect(ui_->redo, &QAction::triggered, ui_->Text1, &sql_text_box::redo);
   connect(ui_->select_all, &QAction::triggered, this, [this] { ui_->Text1->selectAll(); });
   connect(ui_->choose_font, &QAction::triggered, commands_, &document_commands::choose_font_Click);
-  connect(ui_->Text1, &sql_text_box::edited, this, &form1::show_what_can_be_undone);
   connect(ui_->exe_current, &QAction::triggered, this, &form1::exe_current_Click);
   connect(ui_->exe_all, &QAction::triggered, this, &form1::exe_all_Click);
   connect(ui_->check_cur_stmt_syntax, &QAction::triggered, this, &form1::check_cur_stmt_syntax_Click);
@@ -160,12 +159,6 @@ void form1::fill_context_menu() {
                           ui_->select_all, separator(), ui_->mnuEditFind, ui_->find_again, separator(),
                           ui_->choose_font});
   ui_->Text1->setContextMenuPolicy(Qt::ActionsContextMenu);
-  show_what_can_be_undone();
-}
-
-void form1::show_what_can_be_undone() {
-  ui_->undo->setEnabled(ui_->Text1->isUndoAvailable());
-  ui_->redo->setEnabled(ui_->Text1->isRedoAvailable());
 }
 
 void form1::mnuMDINew_Click() { open_new(host_, document_caption("UnNamed")); }

@@ -58,7 +58,6 @@ class form1 : public QMainWindow, public mdi_document, private pipeline_host, pr
   void mnuEvnironmentSendJobLogOutfile_Click();
 
   void fill_context_menu();
-  void show_what_can_be_undone();
   void set_running(bool running);
   // What is done with a statement: a run, a check or a speed test.
   using pipeline_command = void (*)(statement_pipeline& pipeline, const std::string& text, const run_options& options);

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 // What is known of an unsaved document beside its text.
@@ -69,6 +70,8 @@ class recovery_folder : public std::enable_shared_from_this<recovery_folder> {
   // none.
   std::optional<kept_text> take_latest(copy& into);
   [[nodiscard]] std::size_t closed_count() const;
+  // Remembers how the last copy went, "" for well; true when the one before went otherwise.
+  bool failure_changed(const std::string& why) { return std::exchange(last_failure_, why) != why; }
 
  private:
   [[nodiscard]] std::filesystem::path closed_folder() const { return folder_ / "closed"; }
@@ -85,4 +88,5 @@ class recovery_folder : public std::enable_shared_from_this<recovery_folder> {
   int documents_ = 0;
   int closed_now_ = 0;
   std::deque<kept_text> in_memory_;
+  std::string last_failure_;
 };

@@ -57,6 +57,17 @@ QAccessibleInterface* silent_interface(const QString& class_name, QObject* objec
   return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::EditableText);
 }
 
+// A character in its own, its lower and its upper case, as the document's bytes; what its encoding lacks is left out.
+std::vector<std::string> ways_to_write(char32_t character, document_encoding encoding) {
+  std::vector<std::string> ways;
+  for (const char32_t way : {character, QChar::toLower(character), QChar::toUpper(character)}) {
+    const QString text = QString::fromUcs4(&way, 1);
+    const QByteArray bytes = encoding == document_encoding::utf8 ? text.toUtf8() : text.toLatin1();
+    if (encoding == document_encoding::utf8 || QString::fromLatin1(bytes) == text) ways.push_back(bytes.toStdString());
+  }
+  return ways;
+}
+
 bool carries_files(const QDropEvent& event) { return event.mimeData()->hasUrls(); }
 
 }  // namespace
@@ -82,7 +93,9 @@ sql_text_box::sql_text_box(QWidget* parent) : QsciScintilla(parent), lexer_(new 
   }
   auto* normal_size = new QShortcut(Qt::CTRL | Qt::Key_0, this, nullptr, nullptr, Qt::WidgetShortcut);
   connect(normal_size, &QShortcut::activated, this, [this] { zoomTo(0); });
-  connect(this, &QsciScintilla::SCEN_CHANGE, this, &sql_text_box::edited);
+  connect(this, &QsciScintilla::SCN_UPDATEUI, this, [this](int what) {
+    if ((what & SC_UPDATE_CONTENT) != 0) emit edited();
+  });
   connect(this, &sql_text_box::edited, this, &sql_text_box::fit_to_content);
   connect(this, &QsciScintilla::SCN_ZOOM, this, [this] {
     numbered_lines_ = 0;
@@ -107,6 +120,7 @@ void sql_text_box::put_text(const document_text& document) {
   SendScintilla(SCI_CLEARALL);
   SendScintilla(SCI_ADDTEXT, document.bytes.size(), document.bytes.data());
   setEolMode(eol_mode_of(document.bytes));
+  emit edited();
 }
 
 void sql_text_box::set_document(const document_text& document) {
@@ -137,7 +151,10 @@ void sql_text_box::restore_document(const document_text& document) {
   SendScintilla(SCI_GOTOPOS, 0UL);
 }
 
-void sql_text_box::clear_text() { SendScintilla(SCI_CLEARALL); }
+void sql_text_box::clear_text() {
+  SendScintilla(SCI_CLEARALL);
+  emit edited();
+}
 
 document_text sql_text_box::document() const { return {std::string(bytes()), encoding_, byte_order_mark_}; }
 
@@ -164,33 +181,17 @@ void sql_text_box::select_bytes(std::size_t start, std::size_t length) {
   SendScintilla(SCI_SETSEL, start, static_cast<long>(start + length));
 }
 
-QByteArray sql_text_box::in_document_encoding(const QString& text) const {
-  if (encoding_ == document_encoding::utf8) return text.toUtf8();
-  const QByteArray bytes = text.toLatin1();
-  return QString::fromLatin1(bytes) == text ? bytes : QByteArray();
-}
-
 bool sql_text_box::find_next(const QString& text) {
-  const QByteArray wanted = in_document_encoding(text);
-  if (wanted.isEmpty()) return false;
-  const auto length = static_cast<std::size_t>(wanted.size());
-  const auto find_from = [&](std::size_t start) -> std::optional<std::size_t> {
-    if (is_ascii({wanted.constData(), length})) return find_ignoring_case(bytes(), {wanted.constData(), length}, start);
-    SendScintilla(SCI_SETSEARCHFLAGS, 0UL);
-    SendScintilla(SCI_SETTARGETRANGE, start, static_cast<long>(size()));
-    const long found = SendScintilla(SCI_SEARCHINTARGET, length, wanted.constData());
-    return found < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(found));
-  };
+  wanted_text wanted;
+  for (const char32_t character : text.toUcs4()) wanted.push_back(ways_to_write(character, encoding_));
   const std::size_t here = caret();
-  const auto selected = static_cast<std::size_t>(SendScintilla(SCI_GETSELECTIONEND)) - here;
+  const std::size_t selected = static_cast<std::size_t>(SendScintilla(SCI_GETSELECTIONEND)) - here;
   const auto after = static_cast<std::size_t>(SendScintilla(SCI_POSITIONAFTER, here));
-  std::optional<std::size_t> found = find_from(here == 0 ? 0 : after);
+  auto found = find_text(bytes(), wanted, here == 0 ? 0 : after);
   // The selection at the very start is the last hit.
-  if (found && *found == 0 && here == 0 && selected == length) found = find_from(after);
+  if (found && found->start == 0 && selected == found->length) found = find_text(bytes(), wanted, after);
   if (!found) return false;
-  const bool by_bytes = encoding_ == document_encoding::latin1 || is_ascii({wanted.constData(), length});
-  const auto end = by_bytes ? *found + length : static_cast<std::size_t>(SendScintilla(SCI_GETTARGETEND));
-  select_bytes(*found, end - *found);
+  select_bytes(found->start, found->length);
   ensureCursorVisible();
   repaint();
   return true;

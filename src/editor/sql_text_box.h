@@ -50,7 +50,7 @@ class sql_text_box : public QsciScintilla, private QAccessible::ActivationObserv
   [[nodiscard]] QFont text_font() const { return font_; }
 
  signals:
-  // The text has changed, by whatever means.
+  // The text has changed, and shows it. The base class's textChanged is silent: see accessibilityActiveChanged.
   void edited();
 
  protected:
@@ -59,11 +59,11 @@ class sql_text_box : public QsciScintilla, private QAccessible::ActivationObserv
   void dragMoveEvent(QDragMoveEvent* event) override;
 
  private:
+  // While no screen reader listens the base class is not told of changes: it would count characters at each.
   void accessibilityActiveChanged(bool active) override;
   void put_text(const document_text& document);
   void apply_colours();
   void fit_to_content();
-  [[nodiscard]] QByteArray in_document_encoding(const QString& text) const;
 
   QsciLexerSQL* lexer_;
   QFont font_;
