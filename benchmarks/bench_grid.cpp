@@ -16,6 +16,7 @@
 #include "benchmarks/scratch_database.h"
 #include "datawindow/datawindow.h"
 #include "datawindow/dwf.h"
+#include "shell/settings.h"
 #include "widgets/flexgrid.h"
 
 namespace {
@@ -50,8 +51,13 @@ class bare_frame final : public mdi_host {
   void show_about() override {}
   void show_options() override {}
   void show_job_settings() override {}
+  void show_note(const QString&) override {}
+  void add_recent_file(const QString&) override {}
+  settings_store& store() override { return store_; }
+  std::shared_ptr<recovery_folder> recovery() override { return nullptr; }
 
  private:
+  settings::no_store store_;
   QMdiArea area_;
 };
 

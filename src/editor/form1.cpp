@@ -1,7 +1,5 @@
 #include "editor/form1.h"
 
-#include <fmt/format.h>
-
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QMdiSubWindow>

@@ -130,6 +130,11 @@ QMdiSubWindow* MainMdi::show_child(QWidget* window) {
   const QSize size = window->size();
   QMdiSubWindow* child = ui_->mdiArea->addSubWindow(window);
   child->setAttribute(Qt::WA_DeleteOnClose);
+  // The documents' own entry has Ctrl+W; two of them would make neither work.
+  if (dynamic_cast<mdi_document*>(window) != nullptr) {
+    for (QAction* entry : child->systemMenu()->actions())
+      if (entry->shortcuts().contains(QKeySequence(Qt::CTRL | Qt::Key_W))) entry->setShortcut(Qt::CTRL | Qt::Key_F4);
+  }
   child->resize(size + (child->sizeHint() - window->sizeHint()));
   child->move(next_child_position(*child));
   child->show();

@@ -78,6 +78,7 @@ TEST(form1_commands, the_menus_hold_every_entry_in_order) {
                          "exe_all Execute &All",
                          "mnu_speed_test S&peed Test Current Statement",
                          "En&vironment",
+                         "data_window &Send Select Data to Data Window?",
                          "m_commit &Commit",
                          "m_Rollback &Rollback",
                          "options_panel &Options Panel",
@@ -234,7 +235,15 @@ TEST(form1_commands, keys_of_the_text_stay_its_own) {
   QTest::keyClick(text_of(document), Qt::Key_Y, Qt::ControlModifier);
   EXPECT_EQ(text_of(document)->bytes(), "bc");
   QTest::keyClick(text_of(document), Qt::Key_F, Qt::ControlModifier);
-  EXPECT_NE(document->findChild<frmFind*>(), nullptr);
+  auto* find = document->findChild<frmFind*>();
+  ASSERT_NE(find, nullptr);
+  find->close();
+  settle();
+  at.frame->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(at.frame));
+  QTest::keyClick(text_of(document), Qt::Key_W, Qt::ControlModifier);
+  settle();
+  EXPECT_EQ(at.documents().size(), 0);
 }
 
 TEST(form1_commands, clear_asks_and_can_be_undone) {

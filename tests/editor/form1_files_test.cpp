@@ -1,8 +1,10 @@
 // A document's files: what is loaded, saved, and kept when either fails.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QKeyEvent>
 
+#include "base/files.h"
 #include "support/desktop.h"
 #include "support/temporary_folder.h"
 
@@ -42,7 +44,10 @@ TEST_F(form1_files, a_failed_load_loses_nothing) {
   trigger("load");
   QTest::keyClicks(text_of(document), "typed");
   const texts before = state();
-  for (const std::string& path : {folder.file("missing.sql"), folder.file("."), folder.file("kept.sql") + "/below"}) {
+  ASSERT_EQ(mkfifo(folder.file("pipe.sql").c_str(), 0600), 0);
+  std::filesystem::resize_file(folder.with("huge.sql", ""), most_file_bytes + 1);
+  for (const std::string& path : {folder.file("missing.sql"), folder.file("."), folder.file("kept.sql") + "/below",
+                                  folder.file("pipe.sql"), folder.file("huge.sql"), "/dev/zero"s}) {
     at.dialogs.next = path;
     trigger("load");
     ASSERT_EQ(at.ui.messages.size(), 1U);
@@ -86,16 +91,19 @@ TEST_F(form1_files, a_failed_save_loses_nothing) {
   trigger("load");
   QTest::keyClicks(text_of(document), "typed ");
   const texts before = state();
-  const std::string bad = path + "/below.sql";
-  at.dialogs.next = bad;
-  trigger("mnuSaveAs");
-  ASSERT_EQ(at.ui.messages.size(), 1U);
-  EXPECT_EQ(at.ui.messages[0].title, "User Error");
-  EXPECT_EQ(at.ui.messages[0].icon, message_icon::question);
-  EXPECT_FALSE(at.ui.messages[0].details.empty());
-  EXPECT_EQ(at.ui.take_texts(), texts{"The filename you supplied: " + bad + " is not valid.....  Try Again."});
-  EXPECT_EQ(state(), before);
-  EXPECT_EQ(bytes_of(path), "old");
+  ASSERT_EQ(mkfifo(folder.file("pipe.sql").c_str(), 0600), 0);
+  for (const std::string& bad : {path + "/below.sql", folder.file("."), folder.file("no folder/a.sql"),
+                                 folder.file("pipe.sql"), "/dev/full"s, "/proc/new.sql"s}) {
+    at.dialogs.next = bad;
+    trigger("mnuSaveAs");
+    ASSERT_EQ(at.ui.messages.size(), 1U);
+    EXPECT_EQ(at.ui.messages[0].title, "User Error");
+    EXPECT_EQ(at.ui.messages[0].icon, message_icon::question);
+    EXPECT_FALSE(at.ui.messages[0].details.empty());
+    EXPECT_EQ(at.ui.take_texts(), texts{"The filename you supplied: " + bad + " is not valid.....  Try Again."});
+    EXPECT_EQ(state(), before);
+    EXPECT_EQ(bytes_of(path), "old");
+  }
   EXPECT_TRUE(text_of(document)->isModified());
   trigger("save");
   EXPECT_EQ(bytes_of(path), "typed old") << "the document still knows its file";
@@ -126,6 +134,23 @@ TEST_F(form1_files, a_statement_leaves_a_document_of_any_encoding_as_utf8) {
   trigger("save");
   EXPECT_NE(bytes_of(folder.file("latin1.sql")).find('\xE9'), std::string::npos)
       << "what is typed joins the file's own encoding";
+}
+
+TEST_F(form1_files, a_document_opened_in_a_new_window_asks_for_its_first_name) {
+  const std::string path = folder.with("some.sql", "select 1;\n");
+  trigger("mnuOpenNewWindow");  // cancelled
+  at.dialogs.next = folder.file("missing.sql");
+  trigger("mnuOpenNewWindow");
+  EXPECT_EQ(at.ui.take_texts(), texts{"Bad File Name!\rI can not open this document: " + folder.file("missing.sql")});
+  ASSERT_EQ(at.documents().size(), 1);
+  at.dialogs.next = path;
+  trigger("mnuOpenNewWindow");
+  ASSERT_EQ(at.documents().size(), 2);
+  document = at.documents().last();
+  EXPECT_EQ(state(), (texts{"SQL Editor: " + path, "", "select 1;\n"}));
+  trigger("save");
+  EXPECT_EQ(at.dialogs.asked, 4);
+  EXPECT_EQ(plain(at.dialogs.suggestion), "");
 }
 
 TEST_F(form1_files, new_window_opens_another_document) {

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QLockFile>
 
+#include "platform/user_data.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -128,9 +129,14 @@ TEST_F(ini_settings_test, programs_that_save_at_once_lose_nothing_of_each_other)
 }
 
 TEST_F(ini_settings_test, the_users_own_file_unless_the_environment_names_another) {
-  EXPECT_TRUE(ini_settings::default_path().endsWith("/Sorvane/Sorvane.ini"));
+  {
+    const scoped_environment none("SORVANE_SETTINGS", "");
+    EXPECT_TRUE(ini_settings::default_path().endsWith("/Sorvane/Sorvane.ini"));
+    EXPECT_TRUE(user_data_folder().string().ends_with("/Sorvane"));
+  }
   const scoped_environment chosen("SORVANE_SETTINGS", "/somewhere/else.ini");
   EXPECT_EQ(ini_settings::default_path(), "/somewhere/else.ini");
+  EXPECT_EQ(user_data_folder(), "/somewhere");
 }
 
 }  // namespace
