@@ -37,6 +37,8 @@ double key_at_the_end_of(std::size_t size, const std::string& script) {
   box.set_document(document_from_file(script.substr(0, size)));
   box.set_caret(size);
   QApplication::processEvents();
+  int shown = 0;
+  QObject::connect(&box, &sql_text_box::edited, [&shown] { ++shown; });
   std::vector<double> samples;
   for (int i = 0; i < keys; ++i) {
     samples.push_back(seconds_of([&] {
@@ -45,6 +47,7 @@ double key_at_the_end_of(std::size_t size, const std::string& script) {
       QApplication::processEvents();
     }));
   }
+  if (shown < keys || box.size() != size + keys) std::exit(1);
   return median(std::move(samples)) * 1e3;
 }
 

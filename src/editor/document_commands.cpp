@@ -34,11 +34,12 @@ void tell_bad_file(const QString& path, const std::string& why) {
 
 document_commands::document_commands(QWidget& window, sql_text_box& text, QString& my_file_name, mdi_host& host)
     : QObject(&window), window_(window), text_(text), MyFilename(my_file_name), host_(host),
-      keeper_(text, host.recovery(),
-              [this] {
-                return kept_heading{window_.windowTitle().toStdString(), MyFilename.toStdString()};
-              },
-              this) {
+      keeper_(
+          text, host.recovery(),
+          [this] {
+            return kept_heading{window_.windowTitle().toStdString(), MyFilename.toStdString()};
+          },
+          this) {
   connect(&text_, &QsciScintilla::modificationChanged, this, &document_commands::show_modified);
   connect(&keeper_, &document_keeper::copied, this, [this](const QString& why) {
     host_.show_note(why.isEmpty() ? QString() : "Unsaved text is not safe from a crash, it can not be copied: " + why);

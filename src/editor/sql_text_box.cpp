@@ -18,7 +18,8 @@
 namespace {
 
 constexpr int line_number_margin = 0;
-// Up to this size the box looks for the partner of a bracket, which takes a walk through the text for one that has none.
+// Up to this size the box looks for the partner of a bracket, which takes a walk through the text for one that has
+// none.
 constexpr std::size_t most_bytes_to_match_brackets = 1'000'000;
 // Up to this size a replaced text is kept for undo.
 constexpr std::size_t most_bytes_to_undo = 32'000'000;
@@ -169,7 +170,8 @@ std::string_view sql_text_box::bytes(std::size_t start, std::size_t length) cons
   start = std::min(start, all);
   length = std::min(length, all - start);
   if (length == 0) return {};
-  const auto* first = reinterpret_cast<const char*>(SendScintilla(SCI_GETRANGEPOINTER, start, static_cast<long>(length)));
+  const auto* first =
+      reinterpret_cast<const char*>(SendScintilla(SCI_GETRANGEPOINTER, start, static_cast<long>(length)));
   return {first, length};
 }
 

@@ -191,7 +191,8 @@ void MainMdi::show_recent_files() {
     const QString name = QString::fromStdString(path);
     const QString label = QString("&%1 %2").arg(recent_entries_.size() + 1).arg(QString(name).replace('&', "&&"));
     auto* entry = new QAction(label, this);
-    connect(entry, &QAction::triggered, this, [this, name] { open_recent(name); }, Qt::QueuedConnection);
+    connect(
+        entry, &QAction::triggered, this, [this, name] { open_recent(name); }, Qt::QueuedConnection);
     recent_entries_ += entry;
   }
   if (!recent_entries_.isEmpty()) {

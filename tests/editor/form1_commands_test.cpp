@@ -105,7 +105,11 @@ TEST(form1_commands, find_walks_from_hit_to_hit) {
            {"aaa", 0, "A", {0, 1, 2}},
            {"xax", 1, "a", {}},  // one past the caret
            {"\xC3\x89\r\nt\xC3\xA9\r\n", 0, "\xC3\xA9", {0, 5}},
-           {"stra\xC3\x9F" "e STRASSE", 0, "strasse", {8}},
+           {"stra\xC3\x9F"
+            "e STRASSE",
+            0,
+            "strasse",
+            {8}},
            {"a b", 0, "c", {}},
            {"", 0, "c", {}},
        }) {
@@ -139,7 +143,9 @@ TEST(form1_commands, find_walks_from_hit_to_hit) {
 TEST(form1_commands, find_remembers_its_text_and_outlives_no_document) {
   desktop at(scripted_engine());
   form1* document = at.new_document();
-  put_text(document, "Gr\xC3\xB6\xC3\x9F" "e a A");
+  put_text(document,
+           "Gr\xC3\xB6\xC3\x9F"
+           "e a A");
   action_of(document, "find_again")->trigger();  // nothing to look for yet: asks
   auto* find = document->findChild<frmFind*>();
   ASSERT_NE(find, nullptr);
@@ -176,7 +182,9 @@ TEST(form1_commands, the_clipboard_commands_act_on_the_control_with_the_focus) {
   auto* button = new QPushButton("button", document);
   const auto text_in = [&](int k) {
     return k == 0 ? std::string(text_of(document)->bytes())
-                  : plain(k == 1 ? line->text() : k == 2 ? combo->currentText() : plain_edit->toPlainText());
+                  : plain(k == 1   ? line->text()
+                          : k == 2 ? combo->currentText()
+                                   : plain_edit->toPlainText());
   };
   QWidget* const controls[] = {text_of(document), line, combo, plain_edit};
   QWidget* const edits[] = {text_of(document), line, combo->lineEdit(), plain_edit};

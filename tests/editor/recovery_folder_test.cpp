@@ -53,7 +53,9 @@ class recovery_test : public testing::Test {
 TEST_F(recovery_test, closed_texts_come_back_latest_first_with_every_byte) {
   const auto at = open();
   EXPECT_EQ(taken(at), "nothing");
-  const std::string odd = "\xEF\xBB\xBF" "a\0\r\nb\n\xFF"s;
+  const std::string odd =
+      "\xEF\xBB\xBF"
+      "a\0\r\nb\n\xFF"s;
   for (const std::string& bytes : {"first"s, odd, "Sorvane kept text 1\n99 x"s}) EXPECT_TRUE(close_text(at, bytes));
   EXPECT_EQ(taken(open()), "Sorvane kept text 1\n99 x") << "whichever program closed it";
   EXPECT_EQ(taken(at), odd);

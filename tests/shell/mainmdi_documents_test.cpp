@@ -92,7 +92,9 @@ TEST_F(mainmdi_documents, files_dropped_on_frame_or_text_open) {
 
 TEST_F(mainmdi_documents, closed_documents_reopen_latest_first_and_unsaved) {
   desktop at(scripted_engine());
-  const std::string path = folder.with("file.sql", "\xEF\xBB\xBF" "file");
+  const std::string path = folder.with("file.sql",
+                                       "\xEF\xBB\xBF"
+                                       "file");
   for (form1* each : {open_document(*at.frame, QString::fromStdString(path)), at.new_document()}) {
     QTest::keyClicks(text_of(each), "typed ");
     each->parentWidget()->close();
@@ -102,11 +104,14 @@ TEST_F(mainmdi_documents, closed_documents_reopen_latest_first_and_unsaved) {
     QTest::keyClick(at.frame, Qt::Key_T, Qt::ControlModifier | Qt::ShiftModifier);
     settle();
   }
-  EXPECT_EQ(captions(at), (texts{"Mirelta Editor: UnNamed||typed ", "Mirelta Editor: " + path + "|" + path + "|typed file"}));
+  EXPECT_EQ(captions(at),
+            (texts{"Mirelta Editor: UnNamed||typed ", "Mirelta Editor: " + path + "|" + path + "|typed file"}));
   EXPECT_EQ(plain(at.frame->findChild<status_panels*>("MDIsb")->text(1)), "No unsaved document was closed.");
   for (const form1* each : at.documents()) EXPECT_TRUE(text_of(each)->isModified());
   action_of(at.documents().last(), "save")->trigger();
-  EXPECT_EQ(bytes_of(path), "\xEF\xBB\xBF" "typed file");
+  EXPECT_EQ(bytes_of(path),
+            "\xEF\xBB\xBF"
+            "typed file");
   at.ui.messages.clear();
 }
 
