@@ -38,11 +38,14 @@ QVariant grid_model::headerData(int section, Qt::Orientation orientation, int ro
     return QVariant::fromValue(alignment(section + shown_fixed_columns_));
   }
   if (role != Qt::DisplayRole) return {};
+  // A blank that stays keeps a text at the right off the line beside it.
   if (across && shown_fixed_rows_ > 0) {
-    return one_line_text(grid_text(0, section + shown_fixed_columns_));
+    const bool at_right = alignment(section + shown_fixed_columns_).testFlag(Qt::AlignRight);
+    const QString title = one_line_text(grid_text(0, section + shown_fixed_columns_));
+    return at_right ? title + QChar::Nbsp : title;
   }
   if (!across && shown_fixed_columns_ > 0) {
-    return one_line_text(grid_text(section + shown_fixed_rows_, 0));
+    return QString(one_line_text(grid_text(section + shown_fixed_rows_, 0)) + QChar::Nbsp);
   }
   return {};
 }

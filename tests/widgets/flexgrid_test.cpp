@@ -165,7 +165,7 @@ TEST(flexgrid_test, fixed_cells_stay_and_the_last_row_is_never_fixed) {
   EXPECT_GT(grid.verticalScrollBar()->value(), 499'000);
   EXPECT_TRUE(grid.viewport()->rect().contains(grid.cell_rect(499'999, 2)));
   EXPECT_EQ(grid.model()->headerData(0, Qt::Horizontal).toString(), "TITLE");
-  EXPECT_EQ(grid.model()->headerData(499'998, Qt::Vertical).toString(), "499999");
+  EXPECT_EQ(grid.model()->headerData(499'998, Qt::Vertical).toString().trimmed(), "499999");
   EXPECT_GE(grid.verticalHeader()->width(), grid.fontMetrics().horizontalAdvance("499999"));
   grid.SetRows(2);
   EXPECT_EQ(grid.row(), 1) << "a current cell that is gone moves to the nearest";
