@@ -41,15 +41,26 @@ enum class odbc_fault : std::int32_t {
   no_array_values = 11063,
   row_count = 11068,
   rowset_range = 11070,
+  parameter_options = 11074,
+  parameter_block = 11075,
   cursor_name = 11091,
   cursor_name_length = 11092,
   set_cursor_name = 11093,
   not_connected = 11095,
   get_info = 11096,
   bind_on_rows = 11201,
+  bind_rows = 11203,
   get_functions = 11281,
+  put_error_value = 11300,
+  put_unsupported = 11301,
   // A statement or name that cannot be sent as it is: it holds a zero byte, or a character that the code page lacks.
-  text_not_sendable = 11301,
+  text_not_sendable = 11302,
+  put_no_text = 11303,
+  matrix_without_handle = 11310,
+  matrix_without_markers = 11311,
+  matrix_markers = 11312,
+  matrix_unsupported = 11314,
+  bind_matrix = 11315,
 };
 
 // Layer errors carry the object-error base (hexadecimal 80040000) plus their number.
@@ -74,6 +85,7 @@ class layer_error : public std::exception {
 [[noreturn]] inline void raise_error(odbc_fault fault) { raise_error(static_cast<std::int32_t>(fault)); }
 
 inline constexpr std::int32_t exhausted_memory = 7;
+inline constexpr std::int32_t type_mismatch = 13;  // a value that cannot be converted to what a cell holds
 inline constexpr std::int32_t internal_error = 51;
 
 // The number of the exception being handled: a layer_error's own, exhausted_memory, or internal_error for any other.

@@ -21,6 +21,7 @@ constexpr SQLSMALLINT name_offered = 512;
 
 SQLRETURN odbcstmt::record(SQLRETURN rc) {
   last_rc = rc;
+  held_diagnostic.reset();  // a call clears what the one before it had to say
   return rc;
 }
 
@@ -39,14 +40,21 @@ void odbcstmt::reset_descriptions() {
   row_len.assign(1, 0);
   row_status.assign(1, 0);
   markers.clear();
-  procedure_layout = false;
-  param_data.assign(1, 0);
+  layout = cell_layout::by_value;
+  param_data.assign(1);
   param_len.assign(1, 0);
+  cell_rows = 1;
+  forget_blocks();
 }
 
-std::optional<std::string> odbcstmt::sendable(std::string_view text) const {
-  if (text.find('\0') != std::string_view::npos) return std::nullopt;
-  return current_code_page().from_utf8(text);
+// The text in the code page; raises where it cannot be sent.
+std::string odbcstmt::sendable(std::string_view text) {
+  auto bytes = text.find('\0') == std::string_view::npos ? current_code_page().from_utf8(text) : std::nullopt;
+  if (!bytes) {
+    last_rc = rc_not_sendable;
+    raise_error(odbc_fault::text_not_sendable);
+  }
+  return *std::move(bytes);
 }
 
 bool odbcstmt::Make(odbccon& con) {
@@ -59,6 +67,7 @@ void odbcstmt::Make_XX(odbccon& con) {
   check(SQLAllocStmt(con.Handle(), &allocated), odbc_fault::allocate_statement);
   hstmt = allocated;
   handle_rowset = 1;
+  handle_block = 1;
   connection = &con;
   con.AddStmt(*this);
 }
@@ -96,29 +105,14 @@ void odbcstmt::ProcPrep_XX(std::string_view text, std::optional<std::int32_t> ro
 void odbcstmt::prepare(std::string_view text, std::optional<std::int32_t> rowset, column_rule rule) {
   const std::int32_t rows = rowset.value_or(1);
   if (rows < 1 || rows > most_rows_per_block) raise_error(odbc_fault::rowset_range);
-  const auto bytes = sendable(text);
-  if (!bytes) {
-    last_rc = rc_not_sendable;
-    raise_error(odbc_fault::text_not_sendable);
-  }
-  prepare_with(*bytes, rows, rule);
+  prepare_with(sendable(text), rows, rule);
 }
 
 void odbcstmt::prepare_with(const std::string& bytes, int rowset, column_rule rule) {
   cancel_previous();
-  if (Free()) {
-    last_rc = rc_no_handle;
-    raise_error(odbc_fault::prepare_without_handle);
-  }
   set_rowset_option(rowset);
-  {
-    const busy_section busy;
-    // The driver manager's declaration lacks the const; the text is only read.
-    record(SQLPrepare(hstmt, reinterpret_cast<SQLCHAR*>(const_cast<char*>(bytes.c_str())), SQL_NTS));
-  }
-  if (!OK()) raise_error(odbc_fault::prepare);
+  send_text(bytes);
   rowset_size = rowset;
-  in_use = true;
   row_status.assign(static_cast<std::size_t>(rowset_size), 0);
 
   SQLSMALLINT column_count = 0;
@@ -138,11 +132,25 @@ void odbcstmt::prepare_with(const std::string& bytes, int rowset, column_rule ru
 }
 
 // A new preparation on a statement in use first closes its cursor and releases its bindings; a statement that cannot be
-// cancelled is not prepared anew.
+// cancelled, or that has no handle, is not prepared.
 void odbcstmt::cancel_previous() {
-  if (!in_use) return;
-  if (!Cancel()) raise_error(last_err);
-  check(SQLFreeStmt(hstmt, SQL_UNBIND), odbc_fault::cancel);
+  if (in_use) {
+    if (!Cancel()) raise_error(last_err);
+    check(SQLFreeStmt(hstmt, SQL_UNBIND), odbc_fault::cancel);
+  }
+  if (!Free()) return;
+  last_rc = rc_no_handle;
+  raise_error(odbc_fault::prepare_without_handle);
+}
+
+void odbcstmt::send_text(const std::string& bytes) {
+  {
+    const busy_section busy;
+    // The driver manager's declaration lacks the const; the text is only read.
+    record(SQLPrepare(hstmt, reinterpret_cast<SQLCHAR*>(const_cast<char*>(bytes.c_str())), SQL_NTS));
+  }
+  if (!OK()) raise_error(odbc_fault::prepare);
+  in_use = true;
 }
 
 // A driver may fetch a whole rowset on every fetch once the option stands above 1, so it goes back to 1 as well.
@@ -206,6 +214,7 @@ bool odbcstmt::ProcSRS() {
     ncols = 0;
     columns.clear();
     if (count < 1) return;
+    rowset_size = std::max(rowset_size, 1);  // a preparation for parameter arrays has none
     // Columns that the preparation may have bound must not point at the buffer that is about to be replaced.
     check(SQLFreeStmt(hstmt, SQL_UNBIND), odbc_fault::bind_column);
     describe_columns(count, column_rule::procedure, false);
@@ -218,8 +227,11 @@ bool odbcstmt::Execute() {
 
 void odbcstmt::Execute_XX() {
   const busy_section busy;
+  // The block size of parameter arrays outlives their bindings.
+  if (handle_block != block_rows) set_block(block_rows);
+  if (blocks_moved) bind_blocks(odbc_fault::bind_rows);
   SQLFreeStmt(hstmt, SQL_CLOSE);
-  check(SQLExecute(hstmt), odbc_fault::execute);
+  if (!sql_ok(record(SQLExecute(hstmt))) && !execute_as_input()) raise_error(odbc_fault::execute);
 }
 
 bool odbcstmt::CEX(std::string_view text) {
@@ -283,10 +295,7 @@ bool odbcstmt::SetCursorName(std::string_view name) {
 }
 
 void odbcstmt::SetCursorName_XX(std::string_view name) {
-  if (!sendable(name)) {
-    last_rc = rc_not_sendable;
-    raise_error(odbc_fault::text_not_sendable);
-  }
+  sendable(name);
   text_argument argument(name);
   check(SQLSetCursorName(hstmt, argument.data(), argument.length()), odbc_fault::set_cursor_name);
 }
@@ -341,7 +350,13 @@ int odbcstmt::GetColNum(std::string_view name) const {
 }
 
 diagnostic_record odbcstmt::ErrData() {
-  return Free() ? disconnected_record() : read_diagnostic(ODBCD::henv, connection->Handle(), hstmt);
+  if (Free()) return disconnected_record();
+  if (held_diagnostic) {
+    diagnostic_record record = *std::move(held_diagnostic);
+    held_diagnostic.reset();
+    return record;
+  }
+  return read_diagnostic(ODBCD::henv, connection->Handle(), hstmt);
 }
 std::int32_t odbcstmt::Errd() { return show_diagnostic(ErrData()); }
 std::int32_t odbcstmt::Errnum() { return ErrData().native; }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/matrix.h"
 #include "base/value.h"
 #include "odbc/diagnostics.h"
 #include "odbc/layer_error.h"
@@ -24,7 +25,8 @@
 // Buffers. Column i owns col_width[i] * rowset_size bytes of row_data from col_offset[i] on, row after row; its length
 // words for the rows of a rowset are consecutive. Columns follow each other without gaps, so a cell may lie at any
 // address. Cells are ODBC's C structures: zero-terminated text in the code page in force, 32-bit integer, double,
-// DATE_STRUCT, TIME_STRUCT, TIMESTAMP_STRUCT.
+// DATE_STRUCT, TIME_STRUCT, TIMESTAMP_STRUCT. Parameter markers that are bound for many rows lie likewise in
+// param_data, with param_len for their length words.
 class odbcstmt {
  public:
   // last_rc after a failure that is the layer's own.
@@ -163,6 +165,37 @@ class odbcstmt {
   // A default input value: 0, blanks as many as the precision, the current date and time; or an error value as GetParm.
   [[nodiscard]] value ProcParmDefault(int marker) const;
 
+  // Parameter arrays: one statement executed for many rows at once. MrPrep prepares it for blocks of `rows` rows (1 to
+  // 1000), describes and binds its markers, every cell NULL at first; result columns are left alone.
+  //
+  // Cells are as the markers are described, dates and timestamps as text. Where that would take more than 16 MB, long
+  // texts begin with narrow cells that widen as texts come.
+  bool MrPrep(std::string_view text, int rows);
+  void MrPrep_XX(std::string_view text, int rows);
+  [[nodiscard]] int MrPrepRows() const { return param_rows; }
+  // Stores one cell (marker from 1, row from 0); false, the cell as it was, when the value cannot be converted or is
+  // too long. A cell keeps its value from block to block.
+  bool MrBindParm(const value& given, int marker, int row);
+  // Sends rows 0 to rows - 1 in one execution. After a failure Errd tells the driver's reason and ParamOptionValue the
+  // row. What becomes of the rows of a failed block is the driver's affair: SQLite keeps those before the bad one,
+  // PostgreSQL none of them within a transaction.
+  bool MrExecute(int rows);
+  // The driver's row counter of the last execution with arrays: after a success the rows sent, after a failure where it
+  // stopped, counted by some drivers from 1 (the bad row), by some from 0 (the rows before it).
+  [[nodiscard]] std::int64_t ParamOptionValue() const { return static_cast<std::int64_t>(param_row); }
+  // Binds a whole matrix [marker, row] to a statement prepared with Prep; the next Execute sends all its rows. Texts go
+  // to text markers only.
+  bool BindVM(const matrix& values);
+  void BindVM_XX(const matrix& values);
+  // Stores one value of such a matrix (row and marker from 1) at this offset of the parameter buffer, by the marker's
+  // single-row description.
+  void PutBD(int row, int marker, const value& given, std::size_t offset);
+  // The bound parameter buffer, and where a marker's block of cells lies in it.
+  [[nodiscard]] std::size_t ParamWidth(int marker) const { return parameter(marker).width; }
+  [[nodiscard]] std::size_t ParamOffset(int marker) const { return parameter(marker).offset; }
+
+  // The first pending record; a failed execution with arrays may have read it already, and keeps it until the next
+  // call.
   diagnostic_record ErrData();
   std::int32_t Errd();
   std::int32_t Errnum();
@@ -189,6 +222,8 @@ class odbcstmt {
     std::size_t max_chars = 0;
     std::size_t offset = 0;
   };
+  // How the markers' cells are laid out at the moment.
+  enum class cell_layout { by_value, procedure, rows, matrix };
 
   SQLRETURN record(SQLRETURN rc);
   // Records the code of a call and raises `fault` when it failed.
@@ -205,7 +240,24 @@ class odbcstmt {
   std::size_t lay_out_columns(column_rule rule);
   void bind_columns();
   void describe_parameters(int count);
+  // Lays out the cells of every marker as described, for `rows` rows; gives the bytes of all.
+  std::size_t lay_out_markers(marker_cell parameter_layout::*which, std::size_t rows);
   void bind_procedure_parameters();
+  void send_text(const std::string& bytes);
+  // Arrays of rows. Cells that are to hold texts of any length take `text_bytes` at first where all would take too
+  // much.
+  void lay_out_blocks(marker_cell parameter_layout::*which, std::size_t rows, std::size_t text_bytes);
+  void place_blocks();
+  void widen_text_cells(std::size_t index, std::size_t wanted);
+  bool place_row_value(const value& given, std::size_t index, std::size_t row);
+  bool place_row_text(std::string_view text, std::size_t index, std::size_t row);
+  void put_fixed(const value& given, parameter_kind kind, unsigned char* cell_start);
+  void forget_blocks();
+  void set_block(SQLULEN rows);
+  void bind_blocks(odbc_fault fault);
+  // Whether the last call failed because the driver takes no input/output arrays; its record is held otherwise.
+  bool refused_in_out();
+  bool execute_as_input();
   // Lay out the markers, or one, by the values' own kinds; give the bytes taken. After a refused value every marker is
   // Null.
   std::size_t lay_out_values(std::span<const value> values);
@@ -213,7 +265,7 @@ class odbcstmt {
   void place_value(const value& given, std::size_t index);
   bool place_procedure_value(const value& given, std::size_t index);
   void bind_marker(std::size_t index, std::size_t buffer_length, odbc_fault fault);
-  std::optional<std::string> sendable(std::string_view text) const;
+  std::string sendable(std::string_view text);
 
   [[nodiscard]] const column_info& described(int number) const { return columns[static_cast<std::size_t>(number - 1)]; }
   [[nodiscard]] const marker_layout& parameter(int number) const {
@@ -242,7 +294,15 @@ class odbcstmt {
   std::vector<SQLUSMALLINT> row_status;
 
   std::vector<marker_layout> markers;
-  bool procedure_layout = false;  // cells as described and bound in place, not as BindV lays them out
-  byte_buffer param_data;
-  std::vector<SQLLEN> param_len;
+  cell_layout layout = cell_layout::by_value;
+  zeroed_buffer param_data{1};
+  std::vector<SQLLEN> param_len;  // cell_rows words of each marker after those of the one before it
+
+  std::size_t cell_rows = 1;  // rows of a marker's block of cells
+  SQLULEN block_rows = 1;     // rows that the next execution sends
+  SQLULEN handle_block = 1;   // what SQLParamOptions last set on the handle, which keeps it over preparations
+  SQLULEN param_row = 0;      // the driver counts here
+  bool blocks_moved = false;  // the cells are no longer where the markers are bound
+  SQLSMALLINT block_io = SQL_PARAM_INPUT_OUTPUT;
+  std::optional<diagnostic_record> held_diagnostic;
 };

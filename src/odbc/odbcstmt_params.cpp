@@ -28,10 +28,6 @@ bool is_ctype_too(SQLSMALLINT sql_type) {
   }
 }
 
-// Markers are bound as input/output, and a driver that writes back writes its C type whole, also over the one byte of a
-// Null: the buffer's end leaves room for the widest C structure.
-constexpr std::size_t write_back_room = 32;
-
 // Bytes of a C type's structure; 1 for text.
 std::size_t ctype_bytes(SQLSMALLINT ctype) {
   switch (ctype) {
@@ -53,41 +49,53 @@ std::size_t ctype_bytes(SQLSMALLINT ctype) {
 
 void odbcstmt::describe_parameters(int count) {
   markers.assign(static_cast<std::size_t>(count), {});
-  std::size_t total = 0;
   for (std::size_t i = 0; i < markers.size(); ++i) {
     marker_layout& marker = markers[i];
     check(SQLDescribeParam(hstmt, static_cast<SQLUSMALLINT>(i + 1), &marker.sql_type, &marker.precision, &marker.scale,
                            &marker.nullable),
           odbc_fault::describe_parameter);
-    marker.offset = total;
-    const parameter_layout* layout = find_type(parameter_layouts, marker.sql_type);
-    if (layout == nullptr) continue;
-    marker.kind = layout->kind;
-    marker.ctype = layout->ctype;
-    marker.width = width_in_bytes(layout->width, marker.precision);
-    marker.max_chars = marker.kind == parameter_kind::text
-                           ? std::min<std::size_t>(marker.precision, widest_text_characters)
-                           : marker.width;
-    total += marker.width;
   }
-  param_len.assign(markers.size(), SQL_NULL_DATA);
+  lay_out_markers(&parameter_layout::single, 1);
   nparms = count;
+}
+
+std::size_t odbcstmt::lay_out_markers(marker_cell parameter_layout::*which, std::size_t rows) {
+  std::size_t total = 0;
+  for (marker_layout& marker : markers) {
+    marker.offset = total;
+    const parameter_layout* described = find_type(parameter_layouts, marker.sql_type);
+    if (described == nullptr) continue;
+    const marker_cell& cell = described->*which;
+    marker.kind = described->kind;
+    marker.ctype = cell.ctype;
+    marker.width = width_in_bytes(cell.width, marker.precision);
+    marker.max_chars = marker.width;
+    if (marker.kind == parameter_kind::text) {
+      marker.max_chars = std::min<std::size_t>(marker.precision, widest_text_characters);
+    } else if (marker.ctype == SQL_C_CHAR) {
+      marker.max_chars = marker.width - 1;
+    }
+    total += marker.width * rows;
+  }
+  cell_rows = rows;
+  param_len.assign(markers.size() * rows, SQL_NULL_DATA);
+  return total;
 }
 
 void odbcstmt::bind_marker(std::size_t index, std::size_t buffer_length, odbc_fault fault) {
   const marker_layout& marker = markers[index];
-  check(SQLBindParameter(hstmt, static_cast<SQLUSMALLINT>(index + 1), SQL_PARAM_INPUT_OUTPUT, marker.ctype,
-                         marker.sql_type, marker.precision, marker.scale, param_data.data() + marker.offset,
-                         static_cast<SQLLEN>(buffer_length), &param_len[index]),
+  check(SQLBindParameter(hstmt, static_cast<SQLUSMALLINT>(index + 1), block_io, marker.ctype, marker.sql_type,
+                         marker.precision, marker.scale, param_data.data() + marker.offset,
+                         static_cast<SQLLEN>(buffer_length), &param_len[index * cell_rows]),
         fault);
 }
 
 void odbcstmt::bind_procedure_parameters() {
   const marker_layout& last = markers.back();
-  param_data.assign(last.offset + last.width + write_back_room, 0);
+  param_data.assign(last.offset + last.width + write_back_room);
   for (std::size_t i = 0; i < markers.size(); ++i)
     bind_marker(i, markers[i].width, odbc_fault::bind_procedure_parameter);
-  procedure_layout = true;
+  layout = cell_layout::procedure;
 }
 
 bool odbcstmt::BindV(std::span<const value> values) {
@@ -103,9 +111,12 @@ void odbcstmt::BindV_XX(std::span<const value> values) {
   if (values.size() != static_cast<std::size_t>(nparms)) raise_error(odbc_fault::value_count);
   if (param_rows > 1) raise_error(odbc_fault::bind_on_rows);
   record(SQLFreeStmt(hstmt, SQL_RESET_PARAMS));
-  procedure_layout = false;
+  layout = cell_layout::by_value;
+  cell_rows = 1;
+  forget_blocks();
+  param_len.assign(markers.size(), SQL_NULL_DATA);
 
-  param_data.assign(lay_out_values(values) + write_back_room, 0);
+  param_data.assign(lay_out_values(values) + write_back_room);
   for (std::size_t i = 0; i < values.size(); ++i) place_value(values[i], i);
   for (std::size_t i = 0; i < values.size(); ++i) {
     // A text's buffer length is its length alone; a Null offers the one byte that it has.
@@ -206,7 +217,7 @@ void odbcstmt::BindA_XX(const array& values) {
 }
 
 bool odbcstmt::BindProcParm(const value& given, int marker) {
-  if (marker < 1 || marker > nparms || !procedure_layout) return false;
+  if (marker < 1 || marker > nparms || layout != cell_layout::procedure) return false;
   const auto index = static_cast<std::size_t>(marker - 1);
   if (given.is_null()) {
     param_len[index] = SQL_NULL_DATA;
@@ -266,7 +277,7 @@ value odbcstmt::GetParm(int marker) const {
   if (marker < 1 || marker > nparms) return no_such_marker;
   const auto index = static_cast<std::size_t>(marker - 1);
   const marker_layout& at = markers[index];
-  const SQLLEN length = param_len[index];
+  const SQLLEN length = param_len[index * cell_rows];
   if (length == SQL_NULL_DATA) return null_t{};
   if (at.kind == parameter_kind::time || at.kind == parameter_kind::unsupported) return unsupported_marker;
   const unsigned char* bytes = param_data.data() + at.offset;

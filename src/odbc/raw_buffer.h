@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +17,29 @@
 // machine's byte order, as ODBC's C structures lay them. Nothing here allocates or frees a buffer, and nothing checks
 // an address.
 using byte_buffer = std::vector<unsigned char>;
+
+// A buffer of zero bytes whose memory is used up only where it is touched: of an array of wide cells, most never are.
+class zeroed_buffer {
+ public:
+  explicit zeroed_buffer(std::size_t size) { assign(size); }
+  // Replaces the bytes; std::bad_alloc leaves them as they were.
+  void assign(std::size_t size) {
+    void* fresh = std::calloc(std::max<std::size_t>(size, 1), 1);
+    if (fresh == nullptr) throw std::bad_alloc();
+    bytes_.reset(static_cast<unsigned char*>(fresh));
+    size_ = size;
+  }
+  [[nodiscard]] unsigned char* data() { return bytes_.get(); }
+  [[nodiscard]] const unsigned char* data() const { return bytes_.get(); }
+  [[nodiscard]] std::size_t size() const { return size_; }
+
+ private:
+  struct give_back {
+    void operator()(unsigned char* bytes) const { std::free(bytes); }
+  };
+  std::unique_ptr<unsigned char, give_back> bytes_;
+  std::size_t size_ = 0;
+};
 
 template <typename T>
 T get_raw(const unsigned char* address) {

@@ -115,6 +115,13 @@ void put_date_cell(unsigned char* bytes, date_time moment) {
   put_word(bytes, 2, at.day);
 }
 
+void put_time_cell(unsigned char* bytes, date_time moment) {
+  const date_fields at = fields_of(moment);
+  put_word(bytes, 0, at.hour);
+  put_word(bytes, 1, at.minute);
+  put_word(bytes, 2, at.second);
+}
+
 void put_timestamp_cell(unsigned char* bytes, date_time moment) {
   const date_fields at = fields_of(moment);
   put_date_cell(bytes, moment);

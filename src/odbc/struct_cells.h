@@ -20,4 +20,5 @@ value moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_value imp
 void append_moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_value impossible, std::string& out);
 
 void put_date_cell(unsigned char* bytes, date_time moment);
+void put_time_cell(unsigned char* bytes, date_time moment);
 void put_timestamp_cell(unsigned char* bytes, date_time moment);

@@ -84,31 +84,40 @@ enum class parameter_kind : std::int16_t {
   timestamp = 6
 };
 
-// SQL type code -> how a described parameter marker is laid out; a type without a row is unsupported and takes no
-// bytes.
-struct parameter_layout {
-  int sql_type;
-  parameter_kind kind;
+// A marker's cell: the C type it is bound with and its bytes per row.
+struct marker_cell {
   SQLSMALLINT ctype;
   cell_width width;
 };
+
+// SQL type code -> how a described parameter marker is laid out, for one row and for an array of rows, where dates
+// travel as text ("yyyy-mm-dd", "yyyy-mm-dd hh:mm:ss.000000"); a type without a row is unsupported and takes no bytes.
+struct parameter_layout {
+  int sql_type;
+  parameter_kind kind;
+  marker_cell single;
+  marker_cell rows;
+};
+inline constexpr marker_cell long_cell{SQL_C_LONG, {4}};
+inline constexpr marker_cell double_cell{SQL_C_DOUBLE, {8}};
+inline constexpr marker_cell char_cell{SQL_C_CHAR, by_precision};
 inline constexpr std::array<parameter_layout, 16> parameter_layouts{{
-    {SQL_BIT, parameter_kind::integer, SQL_C_LONG, {4}},
-    {SQL_TINYINT, parameter_kind::integer, SQL_C_LONG, {4}},
-    {SQL_BIGINT, parameter_kind::integer, SQL_C_LONG, {4}},
-    {SQL_INTEGER, parameter_kind::integer, SQL_C_LONG, {4}},
-    {SQL_SMALLINT, parameter_kind::integer, SQL_C_LONG, {4}},
-    {SQL_CHAR, parameter_kind::text, SQL_C_CHAR, by_precision},
-    {SQL_VARCHAR, parameter_kind::text, SQL_C_CHAR, by_precision},
-    {SQL_LONGVARCHAR, parameter_kind::text, SQL_C_CHAR, by_precision},
-    {SQL_NUMERIC, parameter_kind::real, SQL_C_DOUBLE, {8}},
-    {SQL_DECIMAL, parameter_kind::real, SQL_C_DOUBLE, {8}},
-    {SQL_FLOAT, parameter_kind::real, SQL_C_DOUBLE, {8}},
-    {SQL_REAL, parameter_kind::real, SQL_C_DOUBLE, {8}},
-    {SQL_DOUBLE, parameter_kind::real, SQL_C_DOUBLE, {8}},
-    {SQL_DATE, parameter_kind::date, SQL_C_DATE, {6}},
-    {SQL_TIME, parameter_kind::time, SQL_C_TIME, {6}},
-    {SQL_TIMESTAMP, parameter_kind::timestamp, SQL_C_TIMESTAMP, {16}},
+    {SQL_BIT, parameter_kind::integer, long_cell, long_cell},
+    {SQL_TINYINT, parameter_kind::integer, long_cell, long_cell},
+    {SQL_BIGINT, parameter_kind::integer, long_cell, long_cell},
+    {SQL_INTEGER, parameter_kind::integer, long_cell, long_cell},
+    {SQL_SMALLINT, parameter_kind::integer, long_cell, long_cell},
+    {SQL_CHAR, parameter_kind::text, char_cell, char_cell},
+    {SQL_VARCHAR, parameter_kind::text, char_cell, char_cell},
+    {SQL_LONGVARCHAR, parameter_kind::text, char_cell, char_cell},
+    {SQL_NUMERIC, parameter_kind::real, double_cell, double_cell},
+    {SQL_DECIMAL, parameter_kind::real, double_cell, double_cell},
+    {SQL_FLOAT, parameter_kind::real, double_cell, double_cell},
+    {SQL_REAL, parameter_kind::real, double_cell, double_cell},
+    {SQL_DOUBLE, parameter_kind::real, double_cell, double_cell},
+    {SQL_DATE, parameter_kind::date, {SQL_C_DATE, {6}}, {SQL_C_CHAR, {11}}},
+    {SQL_TIME, parameter_kind::time, {SQL_C_TIME, {6}}, {SQL_C_TIME, {6}}},
+    {SQL_TIMESTAMP, parameter_kind::timestamp, {SQL_C_TIMESTAMP, {16}}, {SQL_C_CHAR, {27}}},
 }};
 
 // The row of a table for a SQL type code, or nullptr.
@@ -123,6 +132,10 @@ constexpr const Row* find_type(const std::array<Row, N>& table, int sql_type) {
 // Characters that a text cell makes room for at the most: what a driver describes beyond it (2 GB for a type without a
 // limit of its own) is not allocated, and longer values are cut as in any cell.
 inline constexpr std::size_t widest_text_characters = 1'048'576;
+
+// Markers are bound as input/output, and a driver that writes back writes its C type whole, also over the one byte of a
+// Null: the parameter buffer's end leaves room for the widest C structure.
+inline constexpr std::size_t write_back_room = 32;
 
 // Bytes of a cell in the code page in force.
 std::size_t width_in_bytes(cell_width width, std::size_t precision);
