@@ -24,12 +24,21 @@ user_interface*& installed() {
 
 }  // namespace
 
+bool user_interface::show_message_with_check(const message& shown, const std::string&) {
+  show_message(shown);
+  return false;
+}
+
 user_interface& current_user_interface() { return *installed(); }
 
 scoped_user_interface::scoped_user_interface(user_interface& chosen) : previous_(installed()) { installed() = &chosen; }
 scoped_user_interface::~scoped_user_interface() { installed() = previous_; }
 
 message_answer show_message(const message& shown) { return current_user_interface().show_message(shown); }
+
+bool show_message_with_check(const message& shown, const std::string& check_box) {
+  return current_user_interface().show_message_with_check(shown, check_box);
+}
 
 void show_user_error(const std::string& text, const std::string& title) {
   show_message({text, title, message_icon::question, message_buttons::ok, {}});

@@ -25,6 +25,9 @@ class user_interface {
   virtual ~user_interface() = default;
   // Shows the box and waits for its answer. Closing the box answers cancel where there is a Cancel button.
   virtual message_answer show_message(const message& shown) = 0;
+  // The same with a check box of this caption; whether it was ticked. Where nothing can be ticked it is the message
+  // alone.
+  virtual bool show_message_with_check(const message& shown, const std::string& check_box);
   // The mouse pointer of the whole program.
   [[nodiscard]] virtual pointer_shape pointer() const = 0;
   virtual void set_pointer(pointer_shape shape) = 0;
@@ -46,6 +49,7 @@ class scoped_user_interface {
 };
 
 message_answer show_message(const message& shown);
+bool show_message_with_check(const message& shown, const std::string& check_box);
 
 // A box with the question icon and an OK button, as the program tells of a user's mistake.
 void show_user_error(const std::string& text, const std::string& title = "User Error");

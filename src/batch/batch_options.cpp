@@ -4,12 +4,24 @@
 #include <iostream>
 #include <limits>
 
+namespace {
+
+std::int32_t speed_test_target(const std::string& text) {
+  std::string rows = text;
+  const std::string wrong = CLI::Range(1, std::numeric_limits<std::int32_t>::max())(rows);
+  if (!wrong.empty()) throw CLI::ValidationError("--target", wrong);
+  return std::stoi(rows);
+}
+
+}  // namespace
+
 std::optional<batch_options> parse_batch_options(int argc, const char* const* argv, int& exit_status) {
   batch_options options;
   bool no_block_fetch = false;
   bool checks = false;
   bool speed_tests = false;
   std::string statements;
+  std::string target_text;
   CLI::App app(
       "Executes the SQL statements of a script, each ended by ';', and prints the figures of each.\n"
       "The password comes from the environment variable SORVANE_PWD, or is asked for without echo.",
@@ -29,30 +41,46 @@ std::optional<batch_options> parse_batch_options(int argc, const char* const* ar
   auto* speed = app.add_flag("--speed-test", speed_tests,
                              "fetch each SELECT up to a target number of rows, however many blocks that takes")
                     ->excludes(check);
-  app.add_option("--target", options.speed_test_rows, "rows that a speed test fetches (10000)")
-      ->check(CLI::Range(1, std::numeric_limits<std::int32_t>::max()))
-      ->needs(speed);
-  app.add_option("--param", options.parameters,
-                 "a value for the next parameter marker, #NULL# for a null; repeat it for every marker of the "
-                 "script, calls included")
-      ->allow_extra_args(false)
-      ->excludes(check)
-      ->excludes(speed);
+  auto* drive = app.add_option("--drive", options.drive_source,
+                               "execute the statement given with --target once for each row of this query, its columns "
+                               "bound to the statement's markers")
+                    ->excludes(check)
+                    ->excludes(speed);
+  auto* target = app.add_option("--target", target_text,
+                                "with --speed-test: the rows to fetch (10000); with --drive: the statement to execute");
+  drive->needs(target);
+  auto* param =
+      app.add_option("--param", options.parameters,
+                     "a value for the next parameter marker, #NULL# for a null; repeat it for every marker of the "
+                     "script, calls included")
+          ->allow_extra_args(false)
+          ->excludes(check)
+          ->excludes(speed);
+  drive->excludes(param);
   app.add_flag("--all-rows", options.all_rows, "fetch each result to its end, not its first block only")
       ->excludes(check)
-      ->excludes(speed);
+      ->excludes(speed)
+      ->excludes(drive);
   app.add_flag("--json", options.json, "print one JSON object per statement");
   auto* file = app.add_option("FILE.sql", options.file, "the script");
   auto* text = app.add_option("-e", statements, "statements given on the command line")->excludes(file);
+  drive->excludes(file)->excludes(text);
   try {
     app.parse(argc, argv);
-    if (file->empty() && text->empty()) throw CLI::RequiredError("FILE.sql or -e");
+    if (!drive->empty()) {
+      options.drive_target = target_text;
+    } else if (!target->empty()) {
+      if (speed->empty()) throw CLI::RequiresError("--target", "--speed-test or --drive");
+      options.speed_test_rows = speed_test_target(target_text);
+    }
+    if (drive->empty() && file->empty() && text->empty()) throw CLI::RequiredError("FILE.sql, -e or --drive");
   } catch (const CLI::ParseError& error) {
     exit_status = app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;
     return std::nullopt;
   }
   options.ext_fetch = !no_block_fetch;
   if (checks) options.mode = batch_mode::check;
+  if (!drive->empty()) options.mode = batch_mode::drive;
   if (speed_tests) options.mode = batch_mode::speed_test;
   if (!text->empty()) options.statements = statements;
   return options;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-// What is done with each statement.
-enum class batch_mode { execute, check, speed_test };
+// What is done with each statement; or, without a script, one statement driven by the rows of another.
+enum class batch_mode { execute, check, speed_test, drive };
 
 // What the console program was asked to do.
 struct batch_options {
@@ -19,6 +19,8 @@ struct batch_options {
   std::int32_t isolation = 2;
   batch_mode mode = batch_mode::execute;
   std::int32_t speed_test_rows = 10000;  // the speed test's target
+  std::string drive_source;
+  std::string drive_target;
   bool all_rows = false;
   bool json = false;
   std::string file;                       // the script, unless statements are given

@@ -7,42 +7,13 @@
 
 #include "base/files.h"
 #include "base/number_format.h"
+#include "batch/batch_login.h"
 #include "batch/console_interface.h"
 #include "editor/document_text.h"
 #include "editor/statement_text.h"
-#include "shell/login.h"
 #include "shell/session.h"
-#include "shell/settings.h"
 
 namespace {
-
-// Logs in with the options' settings instead of stored ones, and out again.
-class batch_login {
- public:
-  batch_login(const batch_options& options, const std::string& password) {
-    settings::no_store store;
-    settings::load_into_session(store, {});
-    session::ext_fetch = options.ext_fetch;
-    session::ext_fetch_rows = options.rowset;
-    session::autocommit_on = options.autocommit;
-    session::isolation_level = options.isolation;
-    ok_ = ODBCD::odbc_alloc_env() && log_in({options.data_source, options.user, password, options.udb}, store);
-  }
-  ~batch_login() {
-    session::reset();
-    try {
-      ODBCD::odbc_free_env();
-    } catch (const layer_error&) {
-      // The process is about to end; whatever the driver manager still holds goes with it.
-    }
-  }
-  batch_login(const batch_login&) = delete;
-  batch_login& operator=(const batch_login&) = delete;
-  [[nodiscard]] bool ok() const { return ok_; }
-
- private:
-  bool ok_ = false;
-};
 
 bool is_blank(std::string_view text) { return trima(text).empty(); }
 
@@ -83,6 +54,7 @@ run_result do_statement(batch_mode mode, statement_pipeline& pipeline, std::stri
       // As the statement under a caret: its leading blanks do not count.
       return pipeline.speed_stmt(trima(text), options);
     case batch_mode::execute:
+    case batch_mode::drive:
       break;
   }
   return pipeline.run_stmt(text, options);

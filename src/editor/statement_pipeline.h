@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "odbc/failure_text.h"
 #include "odbc/odbcstmt.h"
 
 // The seven panels that a run reports to.
@@ -117,7 +118,3 @@ class statement_pipeline {
   pipeline_host* host_;
   pipeline_status* status_;
 };
-
-// What the layer itself, rather than the driver, found wrong at the statement's last failure; "" when the driver has
-// the word.
-std::string layer_failure_text(const odbcstmt& statement);

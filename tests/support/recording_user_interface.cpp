@@ -9,6 +9,15 @@ message_answer recording_user_interface::show_message(const message& shown) {
   return answer;
 }
 
+bool recording_user_interface::show_message_with_check(const message& shown, const std::string& check_box) {
+  check_boxes.push_back(check_box);
+  show_message(shown);
+  if (ticks.empty()) return false;
+  const bool ticked = ticks.front();
+  ticks.pop_front();
+  return ticked;
+}
+
 void recording_user_interface::set_pointer(pointer_shape chosen) {
   shape = chosen;
   pointers.push_back(chosen);
