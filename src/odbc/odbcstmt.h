@@ -137,6 +137,8 @@ class odbcstmt {
   // Puts to_text of the cell that Getc gives at the end of `out`, without a value in between; false for Null, which has
   // no text.
   bool append_text(int column_number, std::int64_t row, std::string& out) const;
+  // Whether a fetched text was longer than its cell, so that Getc gives only its beginning.
+  [[nodiscard]] bool Cut(int column_number, std::int64_t row = 0) const;
   // The cells of a row as an array from 1, and of rows first..last as a matrix [column, row]; Empty outside the rowset.
   [[nodiscard]] value GetRow(std::int64_t row = 0) const;
   [[nodiscard]] value GetRows(std::int64_t first, std::int64_t last) const;

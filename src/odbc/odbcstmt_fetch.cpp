@@ -80,6 +80,14 @@ bool odbcstmt::append_text(int column_number, std::int64_t row, std::string& out
   return true;
 }
 
+bool odbcstmt::Cut(int column_number, std::int64_t row) const {
+  if (row < 0 || row >= rowset_size || column_number < 1 || column_number > ncols) return false;
+  const column_info& at = described(column_number);
+  if (at.ctype != SQL_C_CHAR) return false;
+  const SQLLEN length = length_word(static_cast<std::size_t>(column_number - 1), static_cast<std::size_t>(row));
+  return length == SQL_NO_TOTAL || (length > 0 && static_cast<std::size_t>(length) >= at.width);
+}
+
 value odbcstmt::GetRow(std::int64_t row) const {
   if (row < 0 || row >= rowset_size) return {};
   array cells{1, {}};

@@ -80,6 +80,12 @@ class driven_loop {
       tell_row(input_row, "The source row could not be read.");
       return true;
     }
+    if (const int cut = cut_column(row); cut > 0) {
+      tell_row(input_row, fmt::format("Column {} holds a longer text than the driver described ({} characters); it "
+                                      "would be written cut.",
+                                      cut, source_.ColPrecision(cut)));
+      return true;
+    }
     if (target_.BindV(values_) && target_.Execute()) {
       ++counters_.written;
       return true;
@@ -96,6 +102,14 @@ class driven_loop {
     tell_row(input_row, why);
     if (lost) tell(fmt::format("The connection was lost. The run ends at input row {}.", input_row), "Program Error");
     return !lost;
+  }
+
+  // The first column whose text is not whole in the row; 0 when all are.
+  [[nodiscard]] int cut_column(std::int64_t row) const {
+    for (int column = 1; column <= source_.NCols(); ++column) {
+      if (source_.Cut(column, row)) return column;
+    }
+    return 0;
   }
 
   void tell_row(std::int64_t input_row, const std::string& why) {
@@ -152,7 +166,7 @@ driven_result drive(std::shared_ptr<odbcstmt> target, std::shared_ptr<odbcstmt> 
     return {};
   }
   if (source->NCols() == 0) {
-    tell("The source query must be a statement that delivers rows!", "Error");
+    tell("The source query must be a query that delivers rows!", "Error");
     return {};
   }
   if (!source->Execute()) {
