@@ -18,10 +18,12 @@ double median(std::vector<double> samples) {
   return samples.size() % 2 == 1 ? samples[middle] : (samples[middle - 1] + samples[middle]) / 2;
 }
 
-std::vector<double> median_seconds(const std::vector<std::function<void()>>& rivals, int rounds) {
+std::vector<double> median_seconds(const std::vector<std::function<void()>>& rivals, int rounds,
+                                   const std::function<void()>& before_each) {
   std::vector<std::vector<double>> samples(rivals.size());
   for (int round = -1; round < rounds; ++round) {
     for (std::size_t i = 0; i < rivals.size(); ++i) {
+      if (before_each) before_each();
       const double seconds = seconds_of(rivals[i]);
       if (round >= 0) samples[i].push_back(seconds);
     }

@@ -10,8 +10,9 @@ double seconds_of(const std::function<void()>& work);
 double median(std::vector<double> samples);
 
 // Runs the rivals in turn, `rounds` times each after one warm-up round that is not counted, so that a slow moment of
-// the machine hits all alike; the median seconds of each.
-std::vector<double> median_seconds(const std::vector<std::function<void()>>& rivals, int rounds);
+// the machine hits all alike; the median seconds of each. What runs before each is not counted.
+std::vector<double> median_seconds(const std::vector<std::function<void()>>& rivals, int rounds,
+                                   const std::function<void()>& before_each = {});
 
 // The figures' table. `target` is what the figure is meant to be, such as ">= 0.97".
 void print_table_head();

@@ -10,12 +10,12 @@
 
 namespace {
 
-std::string sqlite_driver() {
+std::string driver(const char* library) {
   for (const auto& entry : std::filesystem::directory_iterator("/usr/lib")) {
-    const auto candidate = entry.path() / "odbc" / "libsqlite3odbc.so";
+    const auto candidate = entry.path() / "odbc" / library;
     if (std::filesystem::exists(candidate)) return candidate;
   }
-  fmt::print(stderr, "The SQLite ODBC driver is not installed.\n");
+  fmt::print(stderr, "The ODBC driver {} is not installed.\n", library);
   std::exit(1);
 }
 
@@ -28,9 +28,18 @@ scratch_database::scratch_database() {
     std::exit(1);
   }
   folder_ = name;
-  std::ofstream(folder_ + "/odbcinst.ini") << "[SQLite3]\nDriver=" << sqlite_driver() << "\n";
-  std::ofstream(folder_ + "/odbc.ini") << "[" << data_source << "]\nDriver=SQLite3\nDatabase=" << folder_
-                                       << "/bench.sqlite\n";
+  std::ofstream drivers(folder_ + "/odbcinst.ini");
+  std::ofstream sources(folder_ + "/odbc.ini");
+  drivers << "[SQLite3]\nDriver=" << driver("libsqlite3odbc.so") << "\n";
+  sources << "[" << data_source << "]\nDriver=SQLite3\nDatabase=" << folder_ << "/bench.sqlite\n";
+  const char* host = std::getenv("SORVANE_TEST_PG_HOST");
+  const char* port = std::getenv("SORVANE_TEST_PG_PORT");
+  has_postgres_ = host != nullptr && port != nullptr;
+  if (has_postgres_) {
+    drivers << "[PostgreSQL]\nDriver=" << driver("psqlodbcw.so") << "\n";
+    sources << "[" << postgres_source << "]\nDriver=PostgreSQL\nServername=" << host << "\nPort=" << port
+            << "\nDatabase=SORVANE\n";
+  }
   setenv("ODBCSYSINI", folder_.c_str(), 1);
   setenv("ODBCINI", (folder_ + "/odbc.ini").c_str(), 1);
 }

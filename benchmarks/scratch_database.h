@@ -3,7 +3,8 @@
 #include <string>
 
 // A SQLite database of a benchmark's own, reached through ODBC as the data source BENCH, in a temporary folder that
-// goes with the object. Make it before the first ODBC call.
+// goes with the object; and, where tools/benchmark has started its PostgreSQL server, that one as BENCHPG. Make it
+// before the first ODBC call.
 class scratch_database {
  public:
   scratch_database();
@@ -12,9 +13,15 @@ class scratch_database {
   scratch_database& operator=(const scratch_database&) = delete;
 
   static constexpr const char* data_source = "BENCH";
+  static constexpr const char* postgres_source = "BENCHPG";
+  static constexpr const char* postgres_user = "SORVANE";
+  static constexpr const char* postgres_password = "SECRET";
+  [[nodiscard]] bool has_postgres() const { return has_postgres_; }
+  [[nodiscard]] const std::string& folder() const { return folder_; }
 
  private:
   std::string folder_;
+  bool has_postgres_ = false;
 };
 
 // Connects the bare way; ends the program with a message when that fails.

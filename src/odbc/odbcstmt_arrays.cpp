@@ -15,7 +15,7 @@ constexpr int most_rows_per_block = 1000;
 // Beyond it the cells of long texts begin narrow: a driver that describes every marker as a text of 65,536 characters
 // would have a block of 500 rows and five markers take 655 MB, of which little is ever used.
 constexpr std::size_t roomy_blocks = 16'777'216;
-constexpr std::size_t first_text_bytes = 256;
+constexpr std::size_t first_text_bytes = 64;
 
 // How drivers of either ODBC version say that they can not do it, or not with this kind of parameter.
 constexpr std::array<std::string_view, 4> refusal_states{"S1C00", "S1105", "HYC00", "HY105"};
