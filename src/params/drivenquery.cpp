@@ -2,12 +2,19 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QFontDatabase>
 #include <QPointer>
 #include <limits>
 
 #include "base/user_interface.h"
 #include "shell/session.h"
 #include "ui_drivenquery.h"
+
+namespace {
+
+constexpr int shown_columns = 90;  // of a statement, before it wraps
+
+}  // namespace
 
 // What the run tells reaches the form as long as there is one.
 class DrivenQuery::watcher final : public driven_host {
@@ -36,6 +43,9 @@ DrivenQuery::DrivenQuery(QWidget* parent) : QDialog(parent), ui_(std::make_uniqu
     stays.setRetainSizeWhenHidden(true);  // nothing jumps when a run begins
     each->setSizePolicy(stays);
   }
+  for (QWidget* each : {static_cast<QWidget*>(ui_->Text1), static_cast<QWidget*>(ui_->Text2)})
+    each->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+  resize(shown_columns * fontMetrics().averageCharWidth(), sizeHint().height());
   show_running(false);
   connect(ui_->Command1, &QPushButton::clicked, this, &DrivenQuery::Command1_Click);
   connect(ui_->Command2, &QPushButton::clicked, this, &DrivenQuery::Command2_Click);
@@ -85,7 +95,7 @@ void DrivenQuery::finish(const driven_result& result) {
       return;
     }
     case driven_outcome::stopped:
-      ui_->state->setText("Stopped. The rows written so far are kept until you commit or roll back.");
+      ui_->state->setText("Stopped after the current row. Nothing was rolled back.");
       return;
     case driven_outcome::broken:
       ui_->state->setText("The run ended early, after an error.");
@@ -134,7 +144,11 @@ void DrivenQuery::show_counters(const driven_counters& counters) {
   ui_->Label6->setText(QString::number(counters.written));
   ui_->errors->setText(QString::number(counters.failed));
   const std::int64_t through = counters.written + counters.failed;
-  if (through <= ui_->progress->maximum()) ui_->progress->setValue(static_cast<int>(through));
+  if (through <= ui_->progress->maximum()) {
+    ui_->progress->setValue(static_cast<int>(through));
+  } else {
+    ui_->progress->setRange(0, 0);  // the driver's count of the rows was none
+  }
 }
 
 void show_driven_query(QWidget* parent) {

@@ -84,7 +84,7 @@ TEST_F(driven_query, stops_after_the_current_row_and_can_run_again) {
   scripted::control().fail("SQLExecute", 3, {SQL_ERROR, "23000", 1, "no"});
   execute([&] { press(form, "stop"); });
   ASSERT_FALSE(form.isNull());
-  EXPECT_EQ(label("state"), "Stopped. The rows written so far are kept until you commit or roll back.");
+  EXPECT_EQ(label("state"), "Stopped after the current row. Nothing was rolled back.");
   EXPECT_LT(scripted::control().executions().size(), 40U);
   EXPECT_TRUE(button("Command1")->isEnabled() && !button("stop")->isVisible());
   scripted::control().clear_faults();

@@ -2,9 +2,12 @@
 #include <sys/resource.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QFile>
 #include <QIcon>
+#include <QMessageBox>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QWidget>
 #include <csignal>
 
@@ -99,6 +102,22 @@ TEST(program_resources, the_help_page_and_the_icon_are_inside_the_program) {
   ASSERT_EQ(viewers.size(), 1) << "the open window is used again";
   EXPECT_TRUE(viewers[0]->isVisible());
   EXPECT_TRUE(viewers[0]->toPlainText().contains("Sorvane"));
+}
+
+TEST(qt_user_interface_test, a_message_may_have_a_check_box) {
+  qt_user_interface desktop;
+  for (const bool tick : {true, false}) {
+    QTimer::singleShot(0, [tick] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      ASSERT_NE(box, nullptr);
+      EXPECT_EQ(box->text(), "text");
+      EXPECT_EQ(box->checkBox()->text(), "&Not again");
+      if (tick) box->checkBox()->click();
+      box->accept();
+    });
+    EXPECT_EQ(desktop.show_message_with_check({"text", {}, message_icon::none, message_buttons::ok, {}}, "&Not again"),
+              tick);
+  }
 }
 
 TEST(qt_user_interface_test, the_busy_pointer_is_set_once_and_taken_back) {
