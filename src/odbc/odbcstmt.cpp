@@ -82,6 +82,7 @@ void odbcstmt::Kill_XX() {
   connection->DropStmt(hstmt);
   hstmt = nullptr;
   last_rc = 0;
+  held_diagnostic.reset();
   in_use = false;
   connection = nullptr;
   reset_descriptions();

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <span>
 #include <string>
@@ -14,6 +16,8 @@
 #include "odbc/odbccon.h"
 #include "odbc/raw_buffer.h"
 #include "odbc/type_tables.h"
+
+struct catalog_operation;
 
 // One ODBC statement on an odbccon: its handle, the description of its result columns with one bound buffer for a whole
 // rowset, the description of its parameter markers with their buffer, and its diagnostics.
@@ -39,6 +43,12 @@ class odbcstmt {
   static constexpr error_value unsupported_marker{2};
   // What Getc and GetParm answer for a date or time that names no day or time of day.
   static constexpr error_value impossible_date{13};
+
+  // What a catalog operation answers when its ODBC function failed, when result column c could not be bound (the code
+  // is this plus c), and when its rows ended with anything but the end of data.
+  static constexpr error_value catalog_call_failed{1};
+  static constexpr error_value catalog_binding_failed{10};
+  static constexpr error_value catalog_fetch_failed{100};
 
   odbcstmt() { reset_descriptions(); }
   // Frees the handle.
@@ -196,13 +206,46 @@ class odbcstmt {
   [[nodiscard]] std::size_t ParamWidth(int marker) const { return parameter(marker).width; }
   [[nodiscard]] std::size_t ParamOffset(int marker) const { return parameter(marker).offset; }
 
-  // The first pending record; a failed execution with arrays may have read it already, and keeps it until the next
-  // call.
+  // Catalog queries. Each runs one ODBC catalog function and gives its whole result, its rows in the driver's order: a
+  // matrix [column from 1, row from 0] whose columns catalog_tables.h lists, Null without a row, or one of the error
+  // values above; Errd then tells what the driver said. Texts, in full length; 16-bit and 32-bit numbers as 32-bit
+  // integers; NULL as Null. A text longer than its cell (128 characters of a name) is cut.
+  //
+  // An open cursor is cancelled first, and afterwards the cursor is closed and nothing is bound, also after
+  // catalog_fetch_failed. After the other error values the statement is as the failure left it: call Cancel_unc before
+  // the next query. "%" and "_" are wildcards where ODBC says so; nothing is escaped here.
+  //
+  // Null arguments of TableList and ColumnList are not given to the driver, nor are empty ones of ForeignKeyList and
+  // SpecialColumns; the others are passed as they are.
+  value TableList(const value& qualifier, const value& owner, const value& table, const value& type = null_t{});
+  value TablePrivilegeList(std::string_view qualifier, std::string_view owner, std::string_view table);
+  value PrimaryKeyList(std::string_view qualifier, std::string_view owner, std::string_view table);
+  struct table_name {
+    std::string_view qualifier;
+    std::string_view owner;
+    std::string_view table;
+  };
+  // The foreign keys of `foreign` that refer to `primary`; an empty one of the two stands for any table.
+  value ForeignKeyList(const table_name& primary, const table_name& foreign);
+  value SpecialColumns(std::uint16_t column_type, std::string_view qualifier, std::string_view owner,
+                       std::string_view table, std::uint16_t scope, std::uint16_t nullable);
+  value Statistics(std::string_view qualifier, std::string_view owner, std::string_view table,
+                   std::uint16_t unique = SQL_INDEX_ALL, std::uint16_t accuracy = SQL_QUICK);
+  value ColumnList(const value& qualifier, const value& owner, const value& table, const value& column = null_t{});
+  // Five of the eight columns: qualifier, owner, name, remarks, type.
+  value ProcedureList(std::string_view qualifier, std::string_view owner, std::string_view procedure);
+  value ProcColumns(std::string_view qualifier, std::string_view owner, std::string_view procedure,
+                    std::string_view column);
+
+  // The first pending record; a failed execution with arrays or catalog query may have read it already, and holds it
+  // until the next call.
   diagnostic_record ErrData();
   std::int32_t Errd();
   std::int32_t Errnum();
 
  private:
+  static constexpr std::size_t most_catalog_columns = 13;
+
   struct column_info {
     std::string name;
     SQLSMALLINT sql_type = 0;
@@ -227,6 +270,7 @@ class odbcstmt {
   // How the markers' cells are laid out at the moment.
   enum class cell_layout { by_value, procedure, rows, matrix };
 
+  // Records the code of a call; a diagnostic kept from an earlier one is forgotten.
   SQLRETURN record(SQLRETURN rc);
   // Records the code of a call and raises `fault` when it failed.
   void check(SQLRETURN rc, odbc_fault fault);
@@ -268,6 +312,10 @@ class odbcstmt {
   bool place_procedure_value(const value& given, std::size_t index);
   void bind_marker(std::size_t index, std::size_t buffer_length, odbc_fault fault);
   std::string sendable(std::string_view text);
+  // Cancels, makes the call with the arguments that are given, and takes its rows.
+  template <typename Call>
+  value catalog(const catalog_operation& operation, std::initializer_list<value> arguments, Call call);
+  value catalog_rows(const catalog_operation& operation);
 
   [[nodiscard]] const column_info& described(int number) const { return columns[static_cast<std::size_t>(number - 1)]; }
   [[nodiscard]] const marker_layout& parameter(int number) const {
@@ -306,5 +354,8 @@ class odbcstmt {
   SQLULEN param_row = 0;      // the driver counts here
   bool blocks_moved = false;  // the cells are no longer where the markers are bound
   SQLSMALLINT block_io = SQL_PARAM_INPUT_OUTPUT;
-  std::optional<diagnostic_record> held_diagnostic;
+
+  byte_buffer catalog_row;  // one row of a catalog query; of one size, so that what is still bound to it stays valid
+  std::array<SQLLEN, most_catalog_columns> catalog_len{};
+  std::optional<diagnostic_record> held_diagnostic;  // read before later calls could wipe the driver's own
 };
