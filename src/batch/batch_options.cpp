@@ -6,6 +6,11 @@
 
 namespace {
 
+const std::vector<std::pair<std::string, catalog_list>> catalog_lists{{"tables", catalog_list::tables},
+                                                                      {"columns", catalog_list::columns},
+                                                                      {"keys", catalog_list::keys},
+                                                                      {"indexes", catalog_list::indexes}};
+
 std::int32_t speed_test_target(const std::string& text) {
   std::string rows = text;
   const std::string wrong = CLI::Range(1, std::numeric_limits<std::int32_t>::max())(rows);
@@ -22,6 +27,7 @@ std::optional<batch_options> parse_batch_options(int argc, const char* const* ar
   bool speed_tests = false;
   std::string statements;
   std::string target_text;
+  std::string asked_list;
   CLI::App app(
       "Executes the SQL statements of a script, each ended by ';', and prints the figures of each.\n"
       "The password comes from the environment variable SORVANE_PWD, or is asked for without echo.",
@@ -62,9 +68,20 @@ std::optional<batch_options> parse_batch_options(int argc, const char* const* ar
       ->excludes(speed)
       ->excludes(drive);
   app.add_flag("--json", options.json, "print one JSON object per statement");
+  auto* catalog = app.add_option("--catalog", asked_list,
+                                 "print the tables, or the columns, keys or indexes of one table, and execute nothing")
+                      ->check(CLI::IsMember(std::vector<std::string>{"tables", "columns", "keys", "indexes"}))
+                      ->excludes(check)
+                      ->excludes(speed)
+                      ->excludes("--param")
+                      ->excludes("--all-rows");
+  app.add_option("--library", options.library, "the library (owner) of the table; for tables a search pattern")
+      ->needs(catalog);
+  app.add_option("--table", options.table, "the table; for tables a search pattern")->needs(catalog);
   auto* file = app.add_option("FILE.sql", options.file, "the script");
   auto* text = app.add_option("-e", statements, "statements given on the command line")->excludes(file);
-  drive->excludes(file)->excludes(text);
+  drive->excludes(file)->excludes(text)->excludes(catalog);
+  catalog->excludes(file)->excludes(text);
   try {
     app.parse(argc, argv);
     if (!drive->empty()) {
@@ -73,7 +90,9 @@ std::optional<batch_options> parse_batch_options(int argc, const char* const* ar
       if (speed->empty()) throw CLI::RequiresError("--target", "--speed-test or --drive");
       options.speed_test_rows = speed_test_target(target_text);
     }
-    if (drive->empty() && file->empty() && text->empty()) throw CLI::RequiredError("FILE.sql, -e or --drive");
+    if (drive->empty() && catalog->empty() && file->empty() && text->empty())
+      throw CLI::RequiredError("FILE.sql, -e, --drive or --catalog");
+    if (!catalog->empty() && asked_list != "tables" && options.table.empty()) throw CLI::RequiredError("--table");
   } catch (const CLI::ParseError& error) {
     exit_status = app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;
     return std::nullopt;
@@ -82,6 +101,10 @@ std::optional<batch_options> parse_batch_options(int argc, const char* const* ar
   if (checks) options.mode = batch_mode::check;
   if (!drive->empty()) options.mode = batch_mode::drive;
   if (speed_tests) options.mode = batch_mode::speed_test;
+  if (!catalog->empty()) options.mode = batch_mode::catalog;
+  for (const auto& [name, list] : catalog_lists) {
+    if (name == asked_list) options.catalog = list;
+  }
   if (!text->empty()) options.statements = statements;
   return options;
 }

@@ -5,8 +5,12 @@
 #include <string>
 #include <vector>
 
-// What is done with each statement; or, without a script, one statement driven by the rows of another.
-enum class batch_mode { execute, check, speed_test, drive };
+// What is done with each statement; or, without a script, that one statement is driven by the rows of another, or that
+// the catalog is asked.
+enum class batch_mode { execute, check, speed_test, drive, catalog };
+
+// What the catalog is asked for.
+enum class catalog_list { tables, columns, keys, indexes };
 
 // What the console program was asked to do.
 struct batch_options {
@@ -23,6 +27,9 @@ struct batch_options {
   std::string drive_target;
   bool all_rows = false;
   bool json = false;
+  catalog_list catalog = catalog_list::tables;
+  std::string library;  // "" for any
+  std::string table;
   std::string file;                       // the script, unless statements are given
   std::optional<std::string> statements;  // the text given with -e
   std::vector<std::string> parameters;    // values for markers, statement after statement

@@ -2,13 +2,14 @@
 
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
 #include <ostream>
 
 #include "base/files.h"
 #include "base/number_format.h"
+#include "batch/batch_catalog.h"
 #include "batch/batch_login.h"
 #include "batch/console_interface.h"
+#include "batch/json_value.h"
 #include "editor/document_text.h"
 #include "editor/statement_text.h"
 #include "shell/session.h"
@@ -35,16 +36,6 @@ struct batch_tally {
   std::size_t unused_parameters = 0;
 };
 
-nlohmann::ordered_json json_of(const value& shown) {
-  if (shown.is_null() || shown.is_empty()) return nullptr;
-  if (const auto* number = shown.get<std::int32_t>()) return *number;
-  if (const auto* number = shown.get<std::int16_t>()) return *number;
-  if (const auto* number = shown.get<double>()) return *number;
-  if (const auto* number = shown.get<float>()) return *number;
-  if (const auto* yes = shown.get<bool>()) return *yes;
-  return to_text(shown);
-}
-
 run_result do_statement(batch_mode mode, statement_pipeline& pipeline, std::string_view text,
                         const run_options& options) {
   switch (mode) {
@@ -55,6 +46,7 @@ run_result do_statement(batch_mode mode, statement_pipeline& pipeline, std::stri
       return pipeline.speed_stmt(trima(text), options);
     case batch_mode::execute:
     case batch_mode::drive:
+    case batch_mode::catalog:
       break;
   }
   return pipeline.run_stmt(text, options);
@@ -114,8 +106,7 @@ std::string json_line(int number, const std::string& text, const run_result& res
                             {"state", result.diagnostic->state},
                             {"message", result.diagnostic->text}};
   }
-  // What a driver or a file says may be broken UTF-8; the object stays JSON.
-  return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+  return json_text(object);
 }
 
 std::string plain_header() {
@@ -132,6 +123,10 @@ std::string plain_line(int number, const run_result& result) {
 }
 
 int run_batch(const batch_options& options, const std::string& password, std::ostream& out, std::ostream& remarks) {
+  if (options.mode == batch_mode::catalog) {
+    const batch_login login(options, password);
+    return login.ok() ? print_catalog(session::g_con, options, out, remarks) : batch_usage_or_login;
+  }
   const auto script = script_text(options, remarks);
   if (!script) return batch_usage_or_login;
   const std::vector<statement_span> spans = statement_spans(*script);

@@ -133,6 +133,19 @@ TEST_F(batch_run, markers_take_the_given_values_one_after_the_other) {
                                                       "given with --param is left. It was not executed."});
 }
 
+TEST_F(batch_run, a_catalog_that_fails_is_told_once) {
+  driver.catalog_answer("SQLPrimaryKeys", {});
+  options.mode = batch_mode::catalog;
+  options.catalog = catalog_list::keys;
+  options.table = "T";
+  EXPECT_EQ(run_batch(options, "secret", out, remarks), 1);
+  EXPECT_EQ(ui.take_texts(),
+            std::vector<std::string>{
+                "SQL error. Code = 0. State = S1C00. Message = [Sorvane][Scripted driver] no answer for the "
+                "catalog function SQLForeignKeys."});
+  EXPECT_EQ(remarks.str(), "");
+}
+
 TEST_F(batch_run, what_a_driver_says_in_broken_utf8_stays_json) {
   run_result result;
   result.outcome = run_outcome::error;

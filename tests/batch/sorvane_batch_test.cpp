@@ -216,6 +216,40 @@ TEST_F(sorvane_batch, a_script_without_a_statement_only_logs_in) {
   EXPECT_EQ(batch({"--dsn", "nowhere", folder.file("empty.sql")}).status, 2);
 }
 
+TEST_F(sorvane_batch, prints_what_the_catalog_tells) {
+  ASSERT_EQ(
+      on_sqlite({"--autocommit", "-e",
+                 "create table cat_a (k integer primary key, n varchar(9)); create table catXa (x integer); create "
+                 "table cat_b (r integer references cat_a(k)); create unique index cat_i on cat_a (n);"})
+          .status,
+      0);
+  const auto names = [](const words& options, const char* field) {
+    words arguments{"--json", "--catalog"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const program_run run = on_sqlite(arguments);
+    EXPECT_EQ(run.status, 0) << run.err;
+    words found;
+    for (const json& object : objects_of(run)) found.push_back(object.at(field));
+    return found;
+  };
+  EXPECT_EQ(names({"tables", "--table", "cat%"}, "TABLE_NAME"), (words{"cat_a", "catXa", "cat_b"}));
+  EXPECT_EQ(names({"columns", "--table", "cat_a"}, "COLUMN_NAME"), (words{"k", "n"})) << "not of catXa";
+  EXPECT_EQ(names({"columns", "--table", "cat%"}, "COLUMN_NAME"), words{});
+  EXPECT_EQ(names({"keys", "--table", "cat_a"}, "TYPE"), (words{"PK", "IN"}));
+  EXPECT_EQ(names({"keys", "--table", "cat_b"}, "OTHER_TABLE_NAME"), words{"cat_a"});
+  EXPECT_EQ(names({"indexes", "--table", "cat_a"}, "UNIQUE"), (words{"Y", "Y"})) << "the key's own and the other";
+
+  const program_run plain = on_sqlite({"--catalog", "columns", "--table", "cat_a"});
+  EXPECT_EQ(lines_of(plain.out).at(0), "ORDINAL\tCOLUMN_NAME\tTYPE_NAME\tLENGTH\tSCALE\tPRECISION\tNULLABLE\tREMARKS");
+  EXPECT_EQ(lines_of(plain.out).at(2).substr(0, 15), "2\tn\tvarchar(9)\t");
+  EXPECT_EQ(on_sqlite({"--catalog", "keys", "--table", "none"}).err, "sorvane-batch: nothing was found\n");
+  for (const words& wrong : {words{"--catalog", "columns"},
+                             {"--catalog", "views"},
+                             {"--library", "L", "-e", "select 1;"},
+                             {"--catalog", "tables", "-e", "select 1;"}})
+    EXPECT_EQ(on_sqlite(wrong).status, 2) << testing::PrintToString(wrong);
+}
+
 class sorvane_batch_server : public sorvane_batch, public testing::WithParamInterface<engine> {
  protected:
   void SetUp() override {
