@@ -126,6 +126,11 @@ form1* open_document(mdi_host& host, const QString& path) {
 
 QList<QAction*> form1::menu_bar_actions() const { return menuBar()->actions(); }
 
+QString form1::insert_text(const QString& text) {
+  if (ui_->Text1->insert_at_caret(text)) return {};
+  return "The document is kept in ISO 8859-1, which lacks a character of the text. Nothing was inserted.";
+}
+
 void form1::Form_Load() {
   if (!doc_stmt->Make(session::g_con)) session::g_con.Errd();
   resize(twips_to_pixels(width_in_twips, *this), twips_to_pixels(height_in_twips, *this));

@@ -15,7 +15,11 @@ class document_commands;
 
 // An editor document: a text, a statement object of its own on the session's connection, and the panels of its runs. It
 // shows and forwards; the pipeline does the work.
-class form1 : public QMainWindow, public mdi_document, private pipeline_host, private pipeline_status {
+class form1 : public QMainWindow,
+              public mdi_document,
+              public mdi_text_document,
+              private pipeline_host,
+              private pipeline_status {
   Q_OBJECT
 
  public:
@@ -31,6 +35,7 @@ class form1 : public QMainWindow, public mdi_document, private pipeline_host, pr
   static form1* reopen_closed(mdi_host& host);
 
   [[nodiscard]] QList<QAction*> menu_bar_actions() const override;
+  QString insert_text(const QString& text) override;
   [[nodiscard]] const QString& file_name() const { return MyFilename; }
   [[nodiscard]] const std::shared_ptr<odbcstmt>& statement() const { return doc_stmt; }
   [[nodiscard]] bool running() const { return running_; }

@@ -179,6 +179,13 @@ std::size_t sql_text_box::caret() const { return static_cast<std::size_t>(SendSc
 
 void sql_text_box::set_caret(std::size_t offset) { SendScintilla(SCI_GOTOPOS, offset); }
 
+bool sql_text_box::insert_at_caret(const QString& text) {
+  if (!isUtf8() && QString::fromLatin1(text.toLatin1()) != text) return false;
+  set_caret(caret());
+  replaceSelectedText(text);
+  return true;
+}
+
 void sql_text_box::select_bytes(std::size_t start, std::size_t length) {
   SendScintilla(SCI_SETSEL, start, static_cast<long>(start + length));
 }

@@ -41,6 +41,9 @@ class sql_text_box : public QsciScintilla, private QAccessible::ActivationObserv
   [[nodiscard]] std::size_t size() const;
   [[nodiscard]] std::size_t caret() const;
   void set_caret(std::size_t offset);
+  // Inserts at the caret and moves it behind the text; what is selected stays, unselected. False, with nothing
+  // inserted, when the encoding of the document lacks a character.
+  bool insert_at_caret(const QString& text);
   void select_bytes(std::size_t start, std::size_t length);
   // Selects the first place after the caret that reads as `text`, whatever its case; one that starts at the caret
   // counts only at the start of the text, when it is not the selection already. False when there is none.

@@ -33,6 +33,9 @@ class mdi_host {
   virtual settings_store& store() = 0;
   // Where the texts of unsaved documents are kept.
   virtual std::shared_ptr<recovery_folder> recovery() = 0;
+  // Inserts a text at the caret of the document that was active last. Gives what stands in the way, as a message for
+  // the user; "" when it is done.
+  virtual QString insert_into_document(const QString& text) = 0;
 };
 
 // A child of the frame with menus of its own, which stand in the frame's menu bar while it is active.
@@ -40,4 +43,12 @@ class mdi_document {
  public:
   virtual ~mdi_document() = default;
   [[nodiscard]] virtual QList<QAction*> menu_bar_actions() const = 0;
+};
+
+// A child of the frame that holds a text.
+class mdi_text_document {
+ public:
+  virtual ~mdi_text_document() = default;
+  // Inserts a text at the caret, leaving what is selected; the result as of mdi_host::insert_into_document.
+  virtual QString insert_text(const QString& text) = 0;
 };

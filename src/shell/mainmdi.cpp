@@ -244,6 +244,14 @@ void MainMdi::fill_window_list(QMenu& menu) {
   if (number == 0) menu.addAction("(no document is open)")->setEnabled(false);
 }
 
+QString MainMdi::insert_into_document(const QString& text) {
+  const QList<QMdiSubWindow*> children = ui_->mdiArea->subWindowList(QMdiArea::ActivationHistoryOrder);
+  for (auto child = children.crbegin(); child != children.crend(); ++child) {
+    if (auto* document = dynamic_cast<mdi_text_document*>((*child)->widget())) return document->insert_text(text);
+  }
+  return "There is no document to insert into. Open one first.";
+}
+
 void MainMdi::show_menus_of_active_window() {
   const QMdiSubWindow* active = ui_->mdiArea->currentSubWindow();
   const auto* document = active == nullptr ? nullptr : dynamic_cast<const mdi_document*>(active->widget());

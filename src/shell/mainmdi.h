@@ -37,6 +37,7 @@ class MainMdi : public QMainWindow, public mdi_host {
   void add_recent_file(const QString& path) override;
   settings_store& store() override { return store_; }
   std::shared_ptr<recovery_folder> recovery() override;
+  QString insert_into_document(const QString& text) override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
