@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "base/value.h"
@@ -21,6 +22,13 @@ class matrix {
   // Adds `count` elements along the second index, all Empty.
   void grow(std::size_t count);
   void reserve(std::size_t second_count);
+  // Adds the next value along the first index. The element along the second that it belongs to counts when its last one
+  // is there.
+  template <typename Cell>
+  void append(Cell&& cell) {
+    cells_.emplace_back(std::forward<Cell>(cell));
+    if (cells_.size() == (second_count_ + 1) * first_count_) ++second_count_;
+  }
 
   [[nodiscard]] int first_lower() const { return lower_.first_lower; }
   [[nodiscard]] int first_upper() const { return lower_.first_lower + static_cast<int>(first_count_) - 1; }

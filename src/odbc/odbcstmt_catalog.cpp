@@ -15,20 +15,30 @@ std::size_t widest_row() {
   return catalog_operations::foreign_keys.columns.size() * name;
 }
 
+// Rows that a result has room for at first. It grows by large steps: moving values costs more than room that stays
+// untouched.
+constexpr std::size_t first_room = 256;
+
 bool is_absent(absent_argument rule, const value& given) {
   if (rule == absent_argument::when_null) return given.is_null();
   return rule == absent_argument::when_empty && to_text(given).empty();
 }
 
-value cell_value(const catalog_cell& cell, std::size_t width, const unsigned char* bytes, SQLLEN length) {
-  if (length == SQL_NULL_DATA) return null_t{};
-  switch (cell.ctype) {
-    case SQL_C_SHORT:
-      return std::int32_t{cfgetw(bytes)};
-    case SQL_C_LONG:
-      return cfgetd(bytes);
-    default:
-      return cell_text(bytes, width, length);
+void append_cell(matrix& into, const catalog_cell& cell, std::size_t width, const unsigned char* bytes, SQLLEN length) {
+  if (length == SQL_NULL_DATA) {
+    into.append(null_t{});
+  } else if (cell.ctype == SQL_C_SHORT) {
+    into.append(std::int32_t{cfgetw(bytes)});
+  } else if (cell.ctype == SQL_C_LONG) {
+    into.append(cfgetd(bytes));
+  } else {
+    const code_page& page = current_code_page();
+    const std::string_view text = cell_bytes(bytes, width, length);
+    if (page.is_utf8()) {
+      into.append(text);
+    } else {
+      into.append(page.to_utf8(text));
+    }
   }
 }
 
@@ -83,21 +93,20 @@ value odbcstmt::catalog_rows(const catalog_operation& operation) {
   }
 
   matrix all(operation.returned());
-  std::size_t rows = 0;
+  std::size_t room = first_room;
+  all.reserve(room);
   while (Fetch()) {
-    all.grow(1);
+    if (all.second_count() == room) all.reserve(room *= 8);
     const unsigned char* bytes = catalog_row.data();
-    int column = 0;
     for (std::size_t i = 0; i < bound.size(); ++i) {
-      if (bound[i].returned) all.at(++column, rows) = cell_value(bound[i].cell, widths[i], bytes, catalog_len[i]);
+      if (bound[i].returned) append_cell(all, bound[i].cell, widths[i], bytes, catalog_len[i]);
       bytes += widths[i];
     }
-    ++rows;
     catalog_len.fill(SQL_NULL_DATA);  // a cell that the driver passes over must not show the row before
   }
   if (last_rc == SQL_NO_DATA_FOUND) {
     Cancel_unc();
-    if (rows == 0) return null_t{};
+    if (all.second_count() == 0) return null_t{};
     return all;
   }
   // The cancel would wipe out what the driver said of the failure.

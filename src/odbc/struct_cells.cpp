@@ -12,7 +12,8 @@ void put_word(unsigned char* bytes, std::size_t index, int number) {
   cfputw(bytes + 2 * index, static_cast<std::int16_t>(number));
 }
 
-// The bytes of a text cell, in the code page in force.
+}  // namespace
+
 std::string_view cell_bytes(const unsigned char* bytes, std::size_t width, SQLLEN length) {
   if (length < 1 || width < 2) return {};
   const std::size_t room = width - 1;
@@ -20,8 +21,6 @@ std::string_view cell_bytes(const unsigned char* bytes, std::size_t width, SQLLE
   const std::string_view text(reinterpret_cast<const char*>(bytes), std::min(reported, room));
   return reported > room && current_code_page().is_utf8() ? without_cut_character(text) : text;
 }
-
-}  // namespace
 
 std::string cell_text(const unsigned char* bytes, std::size_t width, SQLLEN length) {
   return current_code_page().to_utf8(cell_bytes(bytes, width, length));

@@ -6,6 +6,8 @@
 
 // Cells that are more than a number: texts and ODBC's date structures, read and written at any address.
 
+// The bytes of a text cell as cell_text takes them, in the code page in force.
+std::string_view cell_bytes(const unsigned char* bytes, std::size_t width, SQLLEN length);
 // The text of a cell of `width` bytes whose length word is `length`: "" below 1, never more than width - 1 bytes, and
 // where the driver cut the value, cut back to a whole character. UTF-8.
 std::string cell_text(const unsigned char* bytes, std::size_t width, SQLLEN length);
