@@ -2,7 +2,11 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QHeaderView>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPointer>
+#include <QStyle>
 
 #include "base/user_interface.h"
 #include "catalog/grid_rows.h"
@@ -13,7 +17,7 @@
 
 namespace {
 
-constexpr int width_in_twips = 13500;
+constexpr int width_in_twips = 9600;
 constexpr int height_in_twips = 4800;
 
 void show_rows(flexgrid& grid, std::span<const shown_column> titles, const catalog_rows& rows) {
@@ -33,7 +37,6 @@ void show_rows(flexgrid& grid, std::span<const shown_column> titles, const catal
 frmTableInfo::frmTableInfo() : ui_(std::make_unique<Ui::frmTableInfo>()) {
   ui_->setupUi(this);
   resize(twips_to_pixels(width_in_twips, *this), twips_to_pixels(height_in_twips, *this));
-  for (const auto& [place, stretch] : {std::pair{0, 3}, {1, 5}, {2, 5}}) ui_->views->setStretchFactor(place, stretch);
   setFocusProxy(ui_->Grid1);
   connect(ui_->Command1, &QPushButton::clicked, this, &frmTableInfo::Command1_Click);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, const QWidget* now) {
@@ -86,8 +89,29 @@ void frmTableInfo::refresh() {
     show_rows(*ui_->Grid1, primary_key_shown, catalog.primary_key(wanted));
     show_rows(*ui_->Grid2, foreign_keys_shown, catalog.foreign_keys(wanted));
     show_rows(*ui_->Grid3, indexes_shown, catalog.indexes(wanted));
+    share_width();
   }
   catalog.tell_failures();
+}
+
+// Each grid gets a share of the width by what its columns take. For its first table the window grows to show all,
+// where the frame has room; afterwards its width is the user's.
+void frmTableInfo::share_width() {
+  QList<int> wanted;
+  int total = width() - ui_->views->width() + (ui_->views->count() - 1) * ui_->views->handleWidth();
+  for (const flexgrid* grid : {ui_->Grid1, ui_->Grid2, ui_->Grid3}) {
+    wanted += grid->horizontalHeader()->length() + 2 * grid->frameWidth() +
+              grid->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, grid);
+    total += wanted.last();
+  }
+  auto* child = qobject_cast<QMdiSubWindow*>(parentWidget());
+  if (!grown_ && child != nullptr && !child->isMaximized()) {
+    grown_ = true;
+    const int room = child->mdiArea()->viewport()->width() - child->x();
+    const int wide_enough = qMin(room, total + child->width() - width());
+    if (wide_enough > child->width()) child->resize(wide_enough, child->height());
+  }
+  ui_->views->setSizes(wanted);
 }
 
 void describe_table(mdi_host& host, const table_key& table) {

@@ -44,9 +44,12 @@ class frmTableInfo : public QWidget {
   void Form_Unload();
   void Command1_Click();
 
+  void share_width();
+
   std::unique_ptr<Ui::frmTableInfo> ui_;
   odbcstmt statement_;
   table_key shown_;
+  bool grown_ = false;
   bool unloaded_ = false;
 };
 

@@ -27,7 +27,6 @@ struct column_width {
   int twips;
 };
 constexpr column_width widths[] = {{name_column, 3375}, {2, 1110}, {7, 6015}};
-constexpr int number_columns[] = {0, 3, 4, 5};
 
 constexpr int tables_name = 3;
 
@@ -156,7 +155,6 @@ void outview::grid_clear(const QString& hint) {
   grid.set_current(0, 0);
   put_titles(grid, columns_shown);
   for (const column_width& each : widths) grid.set_column_width(each.column, each.twips);
-  for (const int column : number_columns) grid.set_alignment(column, Qt::AlignRight | Qt::AlignVCenter);
   grid.setEnabled(false);
   ui_->hint->setText(hint);
   ui_->columns_or_hint->setCurrentWidget(ui_->hint_page);
