@@ -21,7 +21,7 @@ std::string driver(const char* library) {
 
 }  // namespace
 
-scratch_database::scratch_database() {
+scratch_database::scratch_database(const std::string& scripted_driver) {
   std::string name = (std::filesystem::temp_directory_path() / "sorvane-bench-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) {
     fmt::print(stderr, "No temporary folder can be made.\n");
@@ -32,6 +32,10 @@ scratch_database::scratch_database() {
   std::ofstream sources(folder_ + "/odbc.ini");
   drivers << "[SQLite3]\nDriver=" << driver("libsqlite3odbc.so") << "\n";
   sources << "[" << data_source << "]\nDriver=SQLite3\nDatabase=" << folder_ << "/bench.sqlite\n";
+  if (!scripted_driver.empty()) {
+    drivers << "[Scripted]\nDriver=" << scripted_driver << "\n";
+    sources << "[" << scripted_source << "]\nDriver=Scripted\n";
+  }
   const char* host = std::getenv("SORVANE_TEST_PG_HOST");
   const char* port = std::getenv("SORVANE_TEST_PG_PORT");
   has_postgres_ = host != nullptr && port != nullptr;
@@ -49,9 +53,9 @@ scratch_database::~scratch_database() {
   std::filesystem::remove_all(folder_, ignored);
 }
 
-void* bare_connect(void*& environment) {
+void* bare_connect(void*& environment, const char* data_source) {
   SQLHDBC connection = nullptr;
-  auto* name = reinterpret_cast<SQLCHAR*>(const_cast<char*>(scratch_database::data_source));
+  auto* name = reinterpret_cast<SQLCHAR*>(const_cast<char*>(data_source));
   SQLCHAR nothing[1] = {0};
   if (SQLAllocEnv(&environment) != SQL_SUCCESS || SQLAllocConnect(environment, &connection) != SQL_SUCCESS ||
       !SQL_SUCCEEDED(SQLConnect(connection, name, SQL_NTS, nothing, 0, nothing, 0))) {

@@ -7,7 +7,8 @@
 // before the first ODBC call.
 class scratch_database {
  public:
-  scratch_database();
+  // With a path, the driver there is the data source SCRIPTED.
+  explicit scratch_database(const std::string& scripted_driver = {});
   ~scratch_database();
   scratch_database(const scratch_database&) = delete;
   scratch_database& operator=(const scratch_database&) = delete;
@@ -18,6 +19,7 @@ class scratch_database {
   static constexpr const char* postgres_password = "SECRET";
   [[nodiscard]] bool has_postgres() const { return has_postgres_; }
   [[nodiscard]] const std::string& folder() const { return folder_; }
+  static constexpr const char* scripted_source = "SCRIPTED";
 
  private:
   std::string folder_;
@@ -25,4 +27,4 @@ class scratch_database {
 };
 
 // Connects the bare way; ends the program with a message when that fails.
-void* bare_connect(void*& environment);
+void* bare_connect(void*& environment, const char* data_source = scratch_database::data_source);
