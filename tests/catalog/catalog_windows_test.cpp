@@ -174,7 +174,7 @@ TEST(outview, collects_qualified_names_and_takes_them_over) {
   const form1* document = on.at.new_document();
   put_text(document, "select  from t");
   text_of(document)->select_bytes(7, 5);
-  show_columns_helper(*on.at.frame);
+  action_of(document, "Columns_listing")->trigger();
   settle();
   EXPECT_EQ(on.at.frame->findChildren<outview*>().size(), 1);
   on.press("insert_into_document");

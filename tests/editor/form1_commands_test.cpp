@@ -52,7 +52,7 @@ TEST(form1_commands, the_menus_hold_every_entry_in_order) {
                          "mnuEditFind &Find",
                          "&Tools",
                          "-mnuToolsDrivenQuery &Driven Query",
-                         "-Columns_listing &Columns Helper Window",
+                         "Columns_listing &Columns Helper Window",
                          "mnuImportExternalDatato400 &Import External Data to 400",
                          "-mnuImportAccess &Access",
                          "mnuImportDbase &Dbase",
