@@ -34,9 +34,11 @@ std::string shortened(const std::string& text) {
 // One run over a prepared and executed source.
 class driven_loop {
  public:
-  driven_loop(odbcstmt& target, odbcstmt& source, driven_host& host)
-      : target_(target), source_(source), host_(host), values_(static_cast<std::size_t>(source.NCols())),
-        target_generation_(target.generation()), source_generation_(source.generation()) {}
+  // It holds the statements: whoever gave them may be gone before the run is.
+  driven_loop(std::shared_ptr<odbcstmt> target, std::shared_ptr<odbcstmt> source, driven_host& host)
+      : held_target_(std::move(target)), held_source_(std::move(source)), target_(*held_target_),
+        source_(*held_source_), host_(host), values_(static_cast<std::size_t>(source_.NCols())),
+        target_generation_(target_.generation()), source_generation_(source_.generation()) {}
 
   driven_result run() {
     host_.begin(std::max<std::int64_t>(source_.RowCount(), 0));
@@ -137,6 +139,8 @@ class driven_loop {
     shown_at_ = current_clock().seconds();
   }
 
+  std::shared_ptr<odbcstmt> held_target_;
+  std::shared_ptr<odbcstmt> held_source_;
   odbcstmt& target_;
   odbcstmt& source_;
   driven_host& host_;
@@ -156,7 +160,6 @@ bool prepared(odbcstmt& statement, const std::string& text, int rowset) {
 
 }  // namespace
 
-// The statements are held by value: whoever gave them may be gone before the run is.
 driven_result drive(std::shared_ptr<odbcstmt> target, std::shared_ptr<odbcstmt> source, const driven_texts& texts,
                     int rowset, driven_host& host) {
   const busy_section busy;
@@ -173,7 +176,7 @@ driven_result drive(std::shared_ptr<odbcstmt> target, std::shared_ptr<odbcstmt> 
     tell_failure(*source);
     return {};
   }
-  return driven_loop(*target, *source, host).run();
+  return driven_loop(std::move(target), std::move(source), host).run();
 }
 
 std::string driven_summary(std::int64_t written) {
