@@ -145,7 +145,7 @@ int main(int argc, char** argv) {
   void* bare = bare_connect(environment, scratch_database::scripted_source);
   scripted::control().catalog_answer(
       "SQLTables", answer_of(catalog_operations::tables, table_count, [](SQLULEN row, std::size_t column) {
-        const std::array<scripted::cell, 5> cells{nullptr, "LIB", fmt::format("CUSTOMER_TABLE_{:06}", row), "TABLE",
+        const std::array<scripted::cell, 5> cells{nullptr, "LIB", fmt::format("CUST{:06}", row), "TABLE",
                                                   "A remark on the table"};
         return cells.at(column);
       }));

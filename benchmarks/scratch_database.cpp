@@ -44,6 +44,10 @@ scratch_database::scratch_database(const std::string& scripted_driver) {
     sources << "[" << postgres_source << "]\nDriver=PostgreSQL\nServername=" << host << "\nPort=" << port
             << "\nDatabase=SORVANE\n";
   }
+  if (!scripted_driver.empty()) {
+    drivers << "[Scripted]\nDriver=" << scripted_driver << "\n";
+    sources << "[" << scripted_source << "]\nDriver=Scripted\n";
+  }
   setenv("ODBCSYSINI", folder_.c_str(), 1);
   setenv("ODBCINI", (folder_ + "/odbc.ini").c_str(), 1);
 }

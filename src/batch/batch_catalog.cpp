@@ -22,6 +22,7 @@ class row_printer {
   }
   void set_names(std::span<const shown_column> columns) {
     std::vector<std::string> names;
+    names.reserve(columns.size());
     for (const shown_column& each : columns) names.emplace_back(each.name);
     set_names(std::move(names));
   }
@@ -36,6 +37,7 @@ class row_printer {
       return;
     }
     std::vector<std::string> texts;
+    texts.reserve(names_.size());
     for (const value& each : cells) texts.push_back(to_text(each));
     texts.resize(names_.size());
     print_line(std::move(texts));
