@@ -32,10 +32,6 @@ scratch_database::scratch_database(const std::string& scripted_driver) {
   std::ofstream sources(folder_ + "/odbc.ini");
   drivers << "[SQLite3]\nDriver=" << driver("libsqlite3odbc.so") << "\n";
   sources << "[" << data_source << "]\nDriver=SQLite3\nDatabase=" << folder_ << "/bench.sqlite\n";
-  if (!scripted_driver.empty()) {
-    drivers << "[Scripted]\nDriver=" << scripted_driver << "\n";
-    sources << "[" << scripted_source << "]\nDriver=Scripted\n";
-  }
   const char* host = std::getenv("SORVANE_TEST_PG_HOST");
   const char* port = std::getenv("SORVANE_TEST_PG_PORT");
   has_postgres_ = host != nullptr && port != nullptr;

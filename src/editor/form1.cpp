@@ -11,6 +11,7 @@
 #include "datawindow/datawindow.h"
 #include "editor/document_commands.h"
 #include "editor/statement_text.h"
+#include "params/drivenquery.h"
 #include "params/fbindparms.h"
 #include "params/fshowparms.h"
 #include "shell/session.h"
@@ -80,6 +81,7 @@ form1::form1(mdi_host& host)
   connect(ui_->redo, &QAction::triggered, ui_->Text1, &sql_text_box::redo);
   connect(ui_->select_all, &QAction::triggered, this, [this] { ui_->Text1->selectAll(); });
   connect(ui_->choose_font, &QAction::triggered, commands_, &document_commands::choose_font_Click);
+  connect(ui_->mnuToolsDrivenQuery, &QAction::triggered, this, [this] { show_driven_query(this); });
   connect(ui_->Columns_listing, &QAction::triggered, this, [this] { show_columns_helper(host_); });
   connect(ui_->exe_current, &QAction::triggered, this, &form1::exe_current_Click);
   connect(ui_->exe_all, &QAction::triggered, this, &form1::exe_all_Click);

@@ -51,7 +51,7 @@ TEST(form1_commands, the_menus_hold_every_entry_in_order) {
                          "mnuDelete &Delete",
                          "mnuEditFind &Find",
                          "&Tools",
-                         "-mnuToolsDrivenQuery &Driven Query",
+                         "mnuToolsDrivenQuery &Driven Query",
                          "Columns_listing &Columns Helper Window",
                          "mnuImportExternalDatato400 &Import External Data to 400",
                          "-mnuImportAccess &Access",
