@@ -55,6 +55,7 @@ class bare_frame final : public mdi_host {
   void add_recent_file(const QString&) override {}
   settings_store& store() override { return store_; }
   std::shared_ptr<recovery_folder> recovery() override { return nullptr; }
+  QString insert_into_document(const QString&) override { return {}; }
 
  private:
   settings::no_store store_;
