@@ -1,9 +1,5 @@
 #include "widgets/cell_store.h"
 
-#include <algorithm>
-#include <cstring>
-#include <limits>
-#include <new>
 #include <numeric>
 
 namespace {
@@ -111,29 +107,16 @@ void cell_store::append_cell(std::string_view text) {
   if (next_cell_ < in.places.size()) put(in, next_cell_++, text);
 }
 
-// The length takes one byte until the text is there and needs more.
-std::string& cell_store::open_cell() {
-  std::string& texts = blocks_.back().texts;
-  texts += '\0';
-  opened_at_ = texts.size();
-  return texts;
-}
-
-void cell_store::close_cell() {
+// A cell without a text, one too many, or one whose length needs more than a byte.
+void cell_store::close_odd_cell(std::size_t length) {
   block& in = blocks_.back();
-  const std::size_t length = in.texts.size() - opened_at_;
-  if (in.texts.size() + sizeof(std::size_t) > std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
   if (length == 0 || next_cell_ >= in.places.size()) {
     in.texts.resize(opened_at_ - 1);
     ++next_cell_;
     return;
   }
   if (next_cell_ == first_cell_) longest_first_ = std::max(longest_first_, length);
-  in.places[next_cell_++] = static_cast<std::uint32_t>(opened_at_ - 1);
-  if (length < 0x80) {
-    in.texts[opened_at_ - 1] = static_cast<char>(length);
-    return;
-  }
+  in.places[next_cell_++] = place_in(in);
   std::string prefix;
   write_length(length, prefix);
   in.texts.replace(opened_at_ - 1, 1, prefix);

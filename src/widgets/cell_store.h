@@ -1,7 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,8 +35,23 @@ class cell_store {
   void append_row();
   void append_cell(std::string_view text);
   // The same in place: the cell's text is what is put at the end of the string until close_cell.
-  std::string& open_cell();
-  void close_cell();
+  std::string& open_cell() {
+    std::string& texts = blocks_.back().texts;
+    texts.push_back('\0');  // the length takes one byte until the text is there and needs more
+    opened_at_ = texts.size();
+    return texts;
+  }
+  void close_cell() {
+    block& in = blocks_.back();
+    const std::size_t length = in.texts.size() - opened_at_;
+    if (length == 0 || length >= longest_short || next_cell_ >= in.places.size()) {
+      close_odd_cell(length);
+      return;
+    }
+    if (next_cell_ == first_cell_) longest_first_ = std::max(longest_first_, length);
+    in.texts[opened_at_ - 1] = static_cast<char>(length);
+    in.places[next_cell_++] = place_in(in);
+  }
 
   // Makes room for an empty row in front of a row, or takes a row out.
   void insert_row(std::size_t before);
@@ -43,6 +61,8 @@ class cell_store {
   void reorder(std::size_t first, const std::vector<std::uint32_t>& order);
 
  private:
+  static constexpr std::size_t longest_short = 0x80;  // from here on a length takes more than one byte
+
   struct block {
     std::string texts;
     std::vector<std::uint32_t> places;
@@ -58,6 +78,12 @@ class cell_store {
   [[nodiscard]] place place_of(std::size_t row, std::size_t column) const;
   static void put(block& into, std::size_t index, std::string_view text);
   static void drop_unused(block& of);
+  // Where the open cell's text begins; throws std::bad_alloc when the block has become too large for its places.
+  [[nodiscard]] std::uint32_t place_in(const block& in) const {
+    if (in.texts.size() > std::numeric_limits<std::uint32_t>::max() - sizeof(std::size_t)) throw std::bad_alloc();
+    return static_cast<std::uint32_t>(opened_at_ - 1);
+  }
+  void close_odd_cell(std::size_t length);
   void add_stored_rows(std::size_t count);
   void write_order();
   // Copies the rows and columns that stay into fresh blocks.
