@@ -20,6 +20,7 @@ constexpr int rows_in_load = 100'000;
 constexpr int rows_one_by_one = 10'000;
 constexpr int block = 500;
 constexpr int rounds = 5;
+constexpr int isql_rounds = 5;
 constexpr int column_count = 5;
 constexpr const char* insert = "insert into LOADED values(?,?,?,?,?)";
 constexpr const char* query = "select ID, NAME, AMOUNT, RATIO, CHANGED from SOURCE";
@@ -286,7 +287,7 @@ void measure(bench_engine& on, const std::string& isql) {
   const auto scripted = median_seconds({[&] {
                                          if (std::system(isql.c_str()) != 0) give_up("isql failed");
                                        }},
-                                       1, empty);
+                                       isql_rounds, empty);
   print_row(what + "MrBindParm + MrExecute: rows/s over isql -b with a script of inserts",
             fmt::format("{:.1f} ({:.0f} rows/s)", ours * scripted[0] / rows_one_by_one, rows_one_by_one / scripted[0]),
             "");

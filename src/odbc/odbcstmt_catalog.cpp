@@ -24,7 +24,8 @@ bool is_absent(absent_argument rule, const value& given) {
   return rule == absent_argument::when_empty && to_text(given).empty();
 }
 
-void append_cell(matrix& into, const catalog_cell& cell, std::size_t width, const unsigned char* bytes, SQLLEN length) {
+void append_cell(matrix& into, const code_page& page, const catalog_cell& cell, std::size_t width,
+                 const unsigned char* bytes, SQLLEN length) {
   if (length == SQL_NULL_DATA) {
     into.append(null_t{});
   } else if (cell.ctype == SQL_C_SHORT) {
@@ -32,7 +33,6 @@ void append_cell(matrix& into, const catalog_cell& cell, std::size_t width, cons
   } else if (cell.ctype == SQL_C_LONG) {
     into.append(cfgetd(bytes));
   } else {
-    const code_page& page = current_code_page();
     const std::string_view text = cell_bytes(bytes, width, length);
     if (page.is_utf8()) {
       into.append(text);
@@ -95,11 +95,13 @@ value odbcstmt::catalog_rows(const catalog_operation& operation) {
   matrix all(operation.returned());
   std::size_t room = first_room;
   all.reserve(room);
-  while (Fetch()) {
+  const code_page& page = current_code_page();
+  const bool single_rows = trap(last_err, [&] { set_rowset_option(1); });
+  while (single_rows && sql_ok(record(SQLFetch(hstmt)))) {
     if (all.second_count() == room) all.reserve(room *= 8);
     const unsigned char* bytes = catalog_row.data();
     for (std::size_t i = 0; i < bound.size(); ++i) {
-      if (bound[i].returned) append_cell(all, bound[i].cell, widths[i], bytes, catalog_len[i]);
+      if (bound[i].returned) append_cell(all, page, bound[i].cell, widths[i], bytes, catalog_len[i]);
       bytes += widths[i];
     }
     catalog_len.fill(SQL_NULL_DATA);  // a cell that the driver passes over must not show the row before
@@ -110,6 +112,7 @@ value odbcstmt::catalog_rows(const catalog_operation& operation) {
     return all;
   }
   // The cancel would wipe out what the driver said of the failure.
+  if (single_rows) last_err = error_number(odbc_fault::fetch);
   const std::int32_t failed = last_rc;
   diagnostic_record said = ErrData();
   Cancel_unc();

@@ -78,7 +78,11 @@ char* write_time(const unsigned char* bytes, std::size_t first_word, char* to) {
 // Days and times of day whose text is just their fields: after the epoch's century, and without the end of a day or
 // leap seconds, which carry.
 bool is_plain_date(const unsigned char* bytes) {
-  return within(word(bytes, 0), 1900, 9999) && within(word(bytes, 1), 1, 12) && within(word(bytes, 2), 1, 28);
+  // The days that every year has.
+  constexpr std::array<int, 13> days{0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const int month = word(bytes, 1);
+  return within(word(bytes, 0), 1900, 9999) && within(month, 1, 12) &&
+         within(word(bytes, 2), 1, days[static_cast<std::size_t>(month)]);
 }
 bool is_plain_time(const unsigned char* bytes, std::size_t first_word) {
   return within(word(bytes, first_word), 0, 23) && within(word(bytes, first_word + 1), 0, 59) &&

@@ -285,8 +285,7 @@ TEST(name_box_test, offers_any_case_but_changes_no_typed_name) {
 
 const texts tables_of_engines{
     "create table \"Cat parent\" (a integer not null, b varchar(30) not null, primary key (a))",
-    "create table cat_child (id integer not null, p integer, primary key (id), foreign key (p) references \"Cat "
-    "parent\" (a))",
+    "create table cat_child (id integer not null, p integer references \"Cat parent\" (a), primary key (id))",
     "create table \"cat%Größe\" (x integer)", "create unique index cat_parent_b on \"Cat parent\" (b)",
     "create index cat_child_p on cat_child (p)"};
 

@@ -103,6 +103,7 @@ TEST_F(fetch, cells_become_values) {
                {{"D", SQL_DATE, 10}, DATE_STRUCT{2001, 5, 17}, date_time{37028, 0}},
                {{"D", SQL_DATE, 10}, DATE_STRUCT{1, 1, 1}, date_time{-693593, 0}},
                {{"D", SQL_DATE, 10}, DATE_STRUCT{9999, 12, 31}, date_time{2958465, 0}},
+               {{"D", SQL_DATE, 10}, DATE_STRUCT{2000, 2, 29}, date_time{36585, 0}},
                {{"T", SQL_TIME, 8}, TIME_STRUCT{13, 45, 30}, date_time{0, 49530}},
                {{"T", SQL_TIME, 8}, TIME_STRUCT{24, 0, 0}, date_time{0, 86400}},
                {stamp, TIMESTAMP_STRUCT{2001, 5, 17, 13, 45, 30, 123456000}, date_time{37028, 49530}},
