@@ -125,7 +125,8 @@ std::optional<scaled_digits> fifteen_digits(double magnitude) {
 
 void append_integer(std::int64_t number, std::string& out) {
   std::array<char, 24> text{};
-  out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr);
+  const char* const end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+  out.append(text.data(), static_cast<std::size_t>(end - text.data()));
 }
 
 void append_number_text(double number, std::string& out) {
@@ -159,8 +160,9 @@ void append_number_text(double number, std::string& out) {
   if (decimals == 0) return;
   char* const end = std::to_chars(text.data(), text.data() + text.size(), scaled->digits % unit).ptr;
   out += '.';
-  out.append(decimals - static_cast<std::size_t>(end - text.data()), '0');
-  out.append(text.data(), end);
+  const auto digits = static_cast<std::size_t>(end - text.data());
+  out.append(decimals - digits, '0');
+  out.append(text.data(), digits);
 }
 
 std::string number_text(float number) {

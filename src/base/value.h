@@ -55,7 +55,7 @@ class value {
   value(currency n) : held_(n) {}
   value(std::string text) : held_(std::move(text)) {}
   value(std::string_view text) : held_(std::in_place_type<std::string>, text) {}
-  value(const char* text) : held_(std::string(text)) {}
+  value(const char* text) : held_(std::in_place_type<std::string>, text) {}
   value(date_time moment) : held_(moment) {}
   value(error_value error) : held_(error) {}
   value(array list);

@@ -98,7 +98,7 @@ value odbcstmt::catalog_rows(const catalog_operation& operation) {
   const code_page& page = current_code_page();
   const bool single_rows = trap(last_err, [&] { set_rowset_option(1); });
   while (single_rows && sql_ok(record(SQLFetch(hstmt)))) {
-    if (all.second_count() == room) all.reserve(room *= 8);
+    if (all.second_count() == room) all.reserve(room *= 16);
     const unsigned char* bytes = catalog_row.data();
     for (std::size_t i = 0; i < bound.size(); ++i) {
       if (bound[i].returned) append_cell(all, page, bound[i].cell, widths[i], bytes, catalog_len[i]);

@@ -108,7 +108,7 @@ void append_moment_cell(SQLSMALLINT ctype, const unsigned char* bytes, error_val
     if (dated) *end++ = ' ';
     end = write_time(bytes, time_at, end);
   }
-  out.append(text.data(), end);
+  out.append(text.data(), static_cast<std::size_t>(end - text.data()));
 }
 
 void put_date_cell(unsigned char* bytes, date_time moment) {

@@ -97,6 +97,15 @@ void cell_store::add_stored_rows(std::size_t count) {
 }
 
 void cell_store::append_row() {
+  // Within a block, and while rows stand as they were added, only places are added.
+  if (stored_rows_ % rows_per_block != 0 && order_.empty()) {
+    std::vector<std::uint32_t>& places = blocks_.back().places;
+    first_cell_ = next_cell_ = places.size();
+    places.resize(places.size() + columns_, 0);
+    ++stored_rows_;
+    ++rows_;
+    return;
+  }
   add_stored_rows(1);
   first_cell_ = next_cell_ = (stored_rows_ - 1) % rows_per_block * columns_;
 }
