@@ -25,10 +25,6 @@ constexpr int column_count = 5;
 constexpr const char* insert = "insert into LOADED values(?,?,?,?,?)";
 constexpr const char* query = "select ID, NAME, AMOUNT, RATIO, CHANGED from SOURCE";
 
-[[noreturn]] void give_up(const std::string& why) {
-  fmt::print(stderr, "{}\n", why);
-  std::exit(1);
-}
 void must(SQLRETURN rc, const char* what) {
   if (!SQL_SUCCEEDED(rc)) give_up(what);
 }

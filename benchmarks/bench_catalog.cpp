@@ -22,11 +22,6 @@ constexpr int table_count = 50'000;
 constexpr int column_count = 1'600;
 constexpr int rounds = 9;
 
-[[noreturn]] void give_up(const std::string& why) {
-  fmt::print(stderr, "{}\n", why);
-  std::exit(1);
-}
-
 scripted::answer answer_of(const catalog_operation& operation, SQLULEN rows,
                            std::function<scripted::cell(SQLULEN, std::size_t)> cell_at) {
   scripted::answer made;

@@ -24,11 +24,6 @@ constexpr int isql_rounds = 5;
 constexpr int column_count = 6;
 constexpr const char* query = "select ID, NAME, AMOUNT, RATIO, CHANGED, REMARK from MILLION";
 
-[[noreturn]] void give_up(const std::string& why) {
-  fmt::print(stderr, "{}\n", why);
-  std::exit(1);
-}
-
 void make_table(odbccon& connection) {
   odbcstmt statement;
   statement.Make(connection);

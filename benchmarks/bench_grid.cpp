@@ -30,11 +30,6 @@ constexpr int repaints = 101;
 constexpr int sorts = 7;
 constexpr const char* query = "select ID, NAME, AMOUNT, RATIO, CHANGED, REMARK from WIDE";
 
-[[noreturn]] void give_up(const std::string& why) {
-  fmt::print(stderr, "{}\n", why);
-  std::exit(1);
-}
-
 class bare_frame final : public mdi_host {
  public:
   bare_frame() {

@@ -17,11 +17,6 @@ namespace {
 
 constexpr int rounds = 15;
 
-[[noreturn]] void give_up(const char* why) {
-  fmt::print(stderr, "{}\n", why);
-  std::exit(1);
-}
-
 // A display of its own, on a number that the server picks.
 class virtual_display {
  public:

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 
 double seconds_of(const std::function<void()>& work) {
   const auto start = std::chrono::steady_clock::now();
@@ -38,4 +39,9 @@ void print_table_head() { fmt::print("| what | figure | target |\n|---|---|---|\
 void print_row(const std::string& what, const std::string& figure, const std::string& target) {
   fmt::print("| {} | {} | {} |\n", what, figure, target);
   std::fflush(stdout);
+}
+
+void give_up(const std::string& why) {
+  fmt::print(stderr, "{}\n", why);
+  std::exit(1);
 }

@@ -17,3 +17,6 @@ std::vector<double> median_seconds(const std::vector<std::function<void()>>& riv
 // The figures' table. `target` is what the figure is meant to be, such as ">= 0.97".
 void print_table_head();
 void print_row(const std::string& what, const std::string& figure, const std::string& target);
+
+// Tells why on standard error and ends the program with status 1: a figure that was not measured is not printed.
+[[noreturn]] void give_up(const std::string& why);
